@@ -1,0 +1,29 @@
+#!/bin/bash
+# Copyright 2026 The libvelar Authors
+# SPDX-License-Identifier: Apache-2.0
+#
+# usage: check-symbols.sh NM LIBVELAR.SO
+# Fails when the library exports anything that the public headers do not declare, or when a class
+# that they export is missing.
+set -euo pipefail
+headers=$(dirname "${BASH_SOURCE[0]}")/../include/vela
+nm=$1
+library=$2
+
+symbols=$("$nm" -DC --defined-only "$library" | sed -E 's/^[0-9a-f]+ //; s/@.*//')
+classes=$(sed -nE 's/^class VELA_API ([A-Za-z]+).*/\1/p' "$headers"/*.h)
+
+public="vela::(${classes//$'\n'/|})"
+allowed="^(A VELAR_0|[A-Z] ($public::.*|(vtable|typeinfo|typeinfo name) for $public|vela::operator<<\(.*))$"
+extra=$(grep -vE "$allowed" <<<"$symbols" || true)
+if [[ -n $extra ]]; then
+    printf 'exported, but not public:\n%s\n' "$extra" >&2
+    exit 1
+fi
+
+for class in $classes; do
+    if ! grep -qE " vela::$class(::|$)" <<<"$symbols"; then
+        printf 'public, but not exported: vela::%s\n' "$class" >&2
+        exit 1
+    fi
+done
