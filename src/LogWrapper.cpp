@@ -1,0 +1,96 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#include "LogWrapper.h"
+
+#include <array>
+#include <cstdio>
+#include <new>
+#include <utility>
+
+#include "LocalLogBuffer.h"
+
+namespace vela {
+
+namespace {
+constexpr std::size_t kMessageSize = 512;  // with the terminator
+}
+
+/** Closes the wrapper at process exit, while the local buffer still exists. */
+class LogWrapper::ExitGuard {
+  public:
+    explicit ExitGuard(LogWrapper& wrapper) : wrapper(wrapper) { LocalLogBuffer::getInstance(); }
+    ExitGuard(const ExitGuard&) = delete;
+    ExitGuard& operator=(const ExitGuard&) = delete;
+    ~ExitGuard() { wrapper.close(); }
+
+  private:
+    LogWrapper& wrapper;
+};
+
+LogWrapper& LogWrapper::getInstance() {
+    // Never destroyed: static objects of clients, keys among them, log until the very end.
+    alignas(LogWrapper) static std::array<std::byte, sizeof(LogWrapper)> storage;
+    static LogWrapper* const instance = new (storage.data()) LogWrapper;
+    static const ExitGuard guard(*instance);
+    return *instance;
+}
+
+void LogWrapper::log(LogLevel level, const char* tag, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    logArguments(level, tag, format, arguments);
+    va_end(arguments);
+}
+
+void LogWrapper::logArguments(LogLevel level, const char* tag, const char* format,
+                              va_list arguments) {
+    std::array<char, kMessageSize> message{};
+    std::vsnprintf(message.data(), message.size(), format, arguments);
+    deliver(level, tag, message.data());
+}
+
+void LogWrapper::logText(LogLevel level, const char* tag, const std::string& message) {
+    deliver(level, tag, message.substr(0, kMessageSize - 1));
+}
+
+void LogWrapper::deliver(LogLevel level, const char* tag, const std::string& message) {
+    const std::shared_lock lock(writerMutex);
+    if (closed) {
+        return;
+    }
+    if (writer) {
+        writer->write(level, tag, message);
+    }
+    if (level == LogLevel::Error || level == LogLevel::Notice) {
+        LocalLogBuffer::getInstance().addLogWithTimestamp(message);
+    }
+}
+
+void LogWrapper::setLogWriter(std::unique_ptr<LogWriter> newWriter) {
+    {
+        const std::unique_lock lock(writerMutex);
+        writer.swap(newWriter);
+    }
+    newWriter.reset();
+}
+
+void LogWrapper::close() {
+    {
+        const std::unique_lock lock(writerMutex);
+        closed = true;
+    }
+    setLogWriter(nullptr);
+}
+
+void log(LogLevel level, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    LogWrapper::getInstance().logArguments(level, kLogTag, format, arguments);
+    va_end(arguments);
+}
+
+void logText(LogLevel level, const std::string& message) {
+    LogWrapper::getInstance().logText(level, kLogTag, message);
+}
+
+}  // namespace vela
