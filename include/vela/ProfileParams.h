@@ -110,9 +110,7 @@ class VELA_API ProfileParams {
     virtual std::string dump() const;
 
   protected:
-    // The library alone says where a profile comes from; filters may ask for it.
-    friend class Modem3gppProfile;
-
+    // Set only by the library, and by filters that ask for it.
     std::optional<bool> isVelaProfile;
     std::optional<bool> isIAProfile;
 
@@ -161,7 +159,6 @@ class VELA_API AddProfileParams : public ProfileParams {
 /** What to change: the present fields; absent ones stay as they are. */
 class VELA_API ModifyProfileParams : public ProfileParams {
   public:
-    using ProfileParams::ProfileParams;
     ModifyProfileParams() = default;
 
     /** Changes every field that `params` has. */
