@@ -1,0 +1,31 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#include "ProfileChangedInd.h"
+
+#include <sstream>
+
+namespace vela {
+
+std::ostream& operator<<(std::ostream& out, ProfileChangedEvent value) {
+    switch (value) {
+        case ProfileChangedEvent::Create:
+            return out << "Create";
+        case ProfileChangedEvent::Delete:
+            return out << "Delete";
+        case ProfileChangedEvent::Modify:
+            return out << "Modify";
+        case ProfileChangedEvent::SubscriptionChange:
+            return out << "SubscriptionChange";
+        case ProfileChangedEvent::ProfileReady:
+            return out << "ProfileReady";
+    }
+    return out << static_cast<std::int32_t>(value);
+}
+
+std::string ProfileChangedInd::dump() const {
+    std::ostringstream text;
+    text << techType << ":" << profileId << " " << event;
+    return text.str();
+}
+
+}  // namespace vela
