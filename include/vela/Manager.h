@@ -83,6 +83,8 @@ class VELA_API Manager {
     std::vector<std::string> dump();
 
   private:
+    bool isInitialized() const;
+
     template <typename Response>
     std::shared_ptr<Response> process(const char* operation, const char* castMessage,
                                       const std::shared_ptr<ClientRequest>& request);
