@@ -1,0 +1,6 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+// Marks what libvelasim.so exports; everything else is hidden.
+#define VELASIM_API __attribute__((visibility("default")))
