@@ -1,0 +1,126 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "AdbWriter.h"
+#include "DiagWriter.h"
+#include "LocalLogBuffer.h"
+#include "LogCapture.h"
+#include "support/DeathTests.h"
+#include "velasim/DiagLog.h"
+
+namespace vela {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::MatchesRegex;
+using testing::Pair;
+using testing::SizeIs;
+
+TEST(LocalLogBuffer, SettlesAtOneLineMoreThanItsSize) {
+    for (const std::size_t size : {0U, 1U, 200U}) {
+        LocalLogBuffer buffer("B", static_cast<int>(size));
+        for (int i = 1; i <= 250; ++i) {
+            buffer.addLogWithTimestamp("line" + std::to_string(i));
+        }
+        const std::vector<std::string> lines = buffer.getLogs();
+        ASSERT_THAT(lines, SizeIs(size + 1));
+        EXPECT_TRUE(lines.front().ends_with("]line" + std::to_string(250 - size)));
+        EXPECT_TRUE(lines.back().ends_with("]line250"));
+        buffer.flush();
+        EXPECT_THAT(buffer.getLogs(), IsEmpty());
+    }
+}
+
+TEST(LocalLogBuffer, LineCarriesLocalTimeAndName) {
+    LocalLogBuffer buffer("NAME", 1);
+    buffer.addLogWithTimestamp(" text");
+    EXPECT_THAT(buffer.getLogs(),
+                ElementsAre(MatchesRegex("    [0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}"
+                                         "\\.[0-9]{3} \\[NAME\\] text")));
+    EXPECT_EQ(buffer.getName(), "NAME");
+}
+
+TEST(LogWrapper, KeepsErrorsAndNoticesInTheLocalBuffer) {
+    LocalLogBuffer& buffer = LocalLogBuffer::getInstance();
+    for (const bool withWriter : {false, true}) {
+        const auto capture = withWriter ? std::make_unique<LogCapture>() : nullptr;
+        buffer.flush();
+        for (int level = 0; level <= 6; ++level) {
+            log(static_cast<LogLevel>(level), "level %d", level);
+        }
+        const std::vector<std::string> kept = buffer.getLogs();
+        ASSERT_THAT(kept, SizeIs(2));
+        EXPECT_TRUE(kept[0].ends_with("[VELA]level 3"));
+        EXPECT_TRUE(kept[1].ends_with("[VELA]level 5"));
+        if (capture) {
+            EXPECT_THAT(capture->take(), SizeIs(7));
+        }
+    }
+    EXPECT_EQ(buffer.getName(), "VELA");
+}
+
+TEST(LogWrapper, CutsLongLinesAndTakesTextsLiterally) {
+    LogCapture capture;
+    const std::string longText(600, 'x');
+    log(LogLevel::Notice, "%s", longText.c_str());
+    logText(LogLevel::Notice, longText);
+    logText(LogLevel::Error, "%n%s%100000d");
+    LogWrapper::getInstance().log(LogLevel::Info, "OTHER", "%d", 7);
+    EXPECT_THAT(capture.take(), ElementsAre(Pair(LogLevel::Notice, std::string(511, 'x')),
+                                            Pair(LogLevel::Notice, std::string(511, 'x')),
+                                            Pair(LogLevel::Error, "%n%s%100000d"),
+                                            Pair(LogLevel::Info, "OTHER: 7")));
+    EXPECT_TRUE(LocalLogBuffer::getInstance().getLogs().back().ends_with("[VELA]%n%s%100000d"));
+}
+
+TEST(LogWriters, HaveTheirOwnPriorities) {
+    AdbWriter adb;
+    DiagWriter diag;
+    std::vector<int> adbPriorities;
+    std::vector<int> diagMasks;
+    for (int level = 0; level <= 6; ++level) {
+        adbPriorities.push_back(adb.convertPrio(static_cast<LogLevel>(level)));
+        diagMasks.push_back(diag.convertPrio(static_cast<LogLevel>(level)));
+    }
+    EXPECT_THAT(adbPriorities, ElementsAre(2, 3, 4, 6, 7, 4, 4));
+    EXPECT_THAT(diagMasks, ElementsAre(1, 1, 1, 4, 16, 4, 1));
+}
+
+// The descriptor is filled once in a process, so each case needs a process of its own.
+void writeThroughDiagLog(const std::vector<LogLevel>& levels, std::uint32_t expectedMask) {
+    velasim::DiagLog& diagLog = velasim::DiagLog::instance();
+    const unsigned before = diagLog.registrations();
+    {
+        DiagWriter writer;
+        const bool registered = diagLog.registrations() == before + 1;
+        for (const LogLevel level : levels) {
+            writer.write(level, "TAG", "100%s");
+        }
+        const velasim::DiagLog::Line expected{expectedMask, 63, 116, "src/LocalLogBuffer",
+                                              "|TAG| 100%s"};
+        if (!registered ||
+            diagLog.lines() != std::vector<velasim::DiagLog::Line>(levels.size(), expected)) {
+            std::exit(1);
+        }
+    }
+    std::exit(diagLog.registrations() == before ? 0 : 1);
+}
+
+TEST(LogWritersDeathTest, DiagLogKeepsTheMaskOfTheFirstMessage) {
+    runDeathTestsAfresh();
+    EXPECT_EXIT(writeThroughDiagLog({LogLevel::Error, LogLevel::Debug, LogLevel::Fatal}, 4),
+                testing::ExitedWithCode(0), "");
+    EXPECT_EXIT(writeThroughDiagLog({LogLevel::Verbose, LogLevel::Error}, 1),
+                testing::ExitedWithCode(0), "");
+}
+
+}  // namespace
+}  // namespace vela
