@@ -43,6 +43,13 @@ ClientRequestManager::ClientRequestManager(int instance)
 }
 
 ClientRequestManager::~ClientRequestManager() {
+    stop();
+}
+
+void ClientRequestManager::stop() {
+    if (!worker.joinable()) {
+        return;
+    }
     log(LogLevel::Debug, "vela::ClientRequestManager: destructor");
     line->close();
     stopWorker();

@@ -37,8 +37,14 @@ class ClientRequestManager {
     ClientRequestManager(const ClientRequestManager&) = delete;
     ClientRequestManager& operator=(const ClientRequestManager&) = delete;
 
-    /** Stops the worker. Keys that are still alive release nothing from then on. */
     ~ClientRequestManager();
+
+    /**
+     * Ends the worker; no request may come after that. Keys that are still alive release nothing
+     * from then on. The destructor does it as well; an owner that listeners may still ask for this
+     * object stops it first and lets go of it afterwards. Not for the worker.
+     */
+    void stop();
 
     /**
      * Has the worker carry out `request` and waits for the response; empty when the worker could

@@ -16,7 +16,7 @@ class DumpText {
   public:
     enum class Booleans { Words, Digits };
 
-    explicit DumpText(Booleans booleans) {
+    explicit DumpText(Booleans booleans = Booleans::Words) {
         stream.imbue(std::locale::classic());
         if (booleans == Booleans::Words) {
             stream << std::boolalpha;

@@ -48,15 +48,20 @@ void logUnhandled(std::uint32_t events) {
     log(LogLevel::Info, "Unhandled epoll event: %s [flags 0%o]", names.c_str(), events);
 }
 
+int createEpoll() {
+    const int fd = ::epoll_create1(EPOLL_CLOEXEC);
+    if (fd == -1) {
+        log(LogLevel::Error, "Cannot create epoll instance");
+        std::abort();
+    }
+    return fd;
+}
+
 }  // namespace
 
 constinit ApprovedDescriptors EventManager::approvedFd;
 
-EventManager::EventManager() : epollFd(::epoll_create1(EPOLL_CLOEXEC)) {
-    if (!epollFd.isOpen()) {
-        log(LogLevel::Error, "Cannot create epoll instance");
-        std::abort();
-    }
+EventManager::EventManager() : epollFd(createEpoll()) {
     addEventHandler(wakeFd.get(), clearRead, nullptr, nullptr, EPOLLIN | EPOLLHUP);
     log(LogLevel::Verbose, "EventManager is ready. epollFd:%d", epollFd.get());
 }

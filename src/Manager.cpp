@@ -35,11 +35,17 @@ Manager::Manager() {
 }
 
 Manager::~Manager() {
-    if (requestManager && requestManager->isWorkerThread()) {
+    if (!requestManager) {
+        return;
+    }
+    if (requestManager->isWorkerThread()) {
         // A listener ends the process: the worker cannot wait for itself, and all goes anyway.
         static_cast<void>(requestManager.release());
+        return;
     }
-    // Listeners that run while the pipeline dies find the manager uninitialised.
+    // Until it has stopped, listeners may call us. Those that run afterwards, while its cache dies,
+    // find the manager uninitialised.
+    requestManager->stop();
     const auto dying = std::move(requestManager);
 }
 
@@ -50,8 +56,11 @@ void Manager::init(int instance, bool useAdb) {
     }
     LogWrapper::getInstance().setLogWriter(makeLogWriter(useAdb));
     log(LogLevel::Notice, "Manager::init(%d)", instance);
-    // The previous one goes after the new one is in place.
-    requestManager = std::make_unique<ClientRequestManager>(instance);
+    auto next = std::make_unique<ClientRequestManager>(instance);
+    if (requestManager) {
+        requestManager->stop();  // its listeners may call us until then
+    }
+    requestManager = std::move(next);  // the previous one goes after the new one is in place
 }
 
 /** One round trip; empty, and logged, when no response of the expected class came back. */

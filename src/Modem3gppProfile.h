@@ -66,7 +66,7 @@ class Modem3gppProfile : public ModemProfile {
     int getMaxPdnConnTimer() const { return maxPdnConnTimer.value_or(0); }
     void setMaxPdnConnTimer(int value) { maxPdnConnTimer = value; }
 
-    /** Wait between PDN requests in seconds. */
+    /** Wait between PDN requests. */
     bool hasPdnReqWaitInterval() const { return pdnReqWaitInterval.has_value(); }
     int getPdnReqWaitInterval() const { return pdnReqWaitInterval.value_or(0); }
     void setPdnReqWaitInterval(int value) { pdnReqWaitInterval = value; }

@@ -14,9 +14,6 @@ namespace vela {
 
 namespace {
 
-constexpr const char* kVelaProfileName = "vela_profile";
-constexpr const char* kVelaIAProfileName = "vela_profile_ia";
-
 constinit TokenGenerator tokenGenerator;
 
 std::shared_ptr<ModemProfile> makeProfile(AddProfileParams& params) {
@@ -25,8 +22,8 @@ std::shared_ptr<ModemProfile> makeProfile(AddProfileParams& params) {
             return std::make_shared<Modem3gpp2Profile>(params);
         case TechType::TECH_3GPP: {
             auto profile = std::make_shared<Modem3gppProfile>(params);
-            profile->setProfileName(params.getIsIAProfile() ? kVelaIAProfileName
-                                                            : kVelaProfileName);
+            profile->setProfileName(params.getIsIAProfile() ? Modem3gppProfile::kVelaIAName
+                                                            : Modem3gppProfile::kVelaName);
             return profile;
         }
     }

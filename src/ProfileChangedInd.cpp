@@ -2,7 +2,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ProfileChangedInd.h"
 
-#include <sstream>
+#include <ostream>
+
+#include "DumpText.h"
 
 namespace vela {
 
@@ -23,7 +25,7 @@ std::ostream& operator<<(std::ostream& out, ProfileChangedEvent value) {
 }
 
 std::string ProfileChangedInd::dump() const {
-    std::ostringstream text;
+    DumpText text;
     text << techType << ":" << profileId << " " << event;
     return text.str();
 }

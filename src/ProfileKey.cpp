@@ -2,9 +2,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ProfileKey.h"
 
-#include <sstream>
 #include <utility>
 
+#include "DumpText.h"
 #include "LogWrapper.h"
 
 namespace vela {
@@ -26,7 +26,7 @@ void ProfileKey::registerExpirationListener(std::function<void()> callback) {
 }
 
 std::string ProfileKey::dump() const {
-    std::ostringstream text;
+    DumpText text;
     text << techType << ":" << profileId << " token=" << token;
     return text.str();
 }

@@ -35,7 +35,9 @@ RequestLine::RequestLine(RequestFn pipeline) : pipeline(std::move(pipeline)) {}
 
 std::shared_ptr<ClientResponse> RequestLine::post(std::shared_ptr<ClientRequest> request) {
     const Passage passage(*this);
-    return passage.isAdmitted() ? pipeline(std::move(request)) : nullptr;
+    // A copy: what the request holds goes after the passage, for its destruction may close the
+    // line.
+    return passage.isAdmitted() ? pipeline(request) : nullptr;
 }
 
 void RequestLine::close() {

@@ -3,9 +3,9 @@
 #include "vela/Requests.h"
 
 #include <ostream>
-#include <sstream>
 #include <utility>
 
+#include "DumpText.h"
 #include "KeyText.h"
 
 namespace vela {
@@ -35,7 +35,7 @@ std::ostream& operator<<(std::ostream& out, ReqRespType value) {
 ClientRequest::~ClientRequest() = default;
 
 std::string ClientRequest::dump() const {
-    std::ostringstream text;
+    DumpText text;
     text << type << " ";
     return text.str();
 }

@@ -3,9 +3,9 @@
 #include "vela/Responses.h"
 
 #include <ostream>
-#include <sstream>
 #include <utility>
 
+#include "DumpText.h"
 #include "KeyText.h"
 
 namespace vela {
@@ -23,7 +23,7 @@ std::ostream& operator<<(std::ostream& out, Status value) {
 ClientResponse::~ClientResponse() = default;
 
 std::string ClientResponse::dump() const {
-    std::ostringstream text;
+    DumpText text;
     text << type << " " << status;
     return text.str();
 }

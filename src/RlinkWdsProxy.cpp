@@ -76,6 +76,7 @@ void RlinkWdsProxy::registerRlinkSvcUp() {
         log(LogLevel::Error, "cannot obtain service obj, fatal error");
         return;
     }
+    release(notifier);  // there is one already when the modem reports the same outage twice
     clear(osParams);
     rlink_client_notifier_init(serviceObject, &osParams, &notifier);
     rlink_client_register_notify_cb(notifier, rlinkNotifyCb, this);
@@ -348,21 +349,35 @@ void RlinkWdsProxy::handleIndication(int fd, void* data) {
 }
 
 void RlinkWdsProxy::handleQueuedIndications() {
+    // What arrives meanwhile has signalled again. It waits its turn, so that a flood of indications
+    // does not keep the worker from its callers.
+    std::size_t left = countIndications();
     std::unique_ptr<IndInfo_t> indication;
-    while (takeIndication(indication)) {
-        if (!indication) {
-            log(LogLevel::Error, "handleIndication: arg is null");
+    while (takeIndication(indication) && handleTaken(indication.get())) {
+        left -= left > 0 ? 1 : 0;
+        if (left == 0 && countIndications() > 0) {
             return;
         }
-        if (indication->msg_id != RLINK_WDS_PROFILE_CHANGED_IND_V01) {
-            log(LogLevel::Verbose, "Unknown message ID %lu received",
-                static_cast<unsigned long>(indication->msg_id));
-            continue;
-        }
-        if (!decodeAndReport(*indication)) {
-            return;  // deliberate: the rest of the queue waits for the next signal
-        }
     }
+}
+
+/** False when the rest of the queue has to wait for the next signal. */
+bool RlinkWdsProxy::handleTaken(const IndInfo_t* indication) {
+    if (indication == nullptr) {
+        log(LogLevel::Error, "handleIndication: arg is null");
+        return false;
+    }
+    if (indication->msg_id != RLINK_WDS_PROFILE_CHANGED_IND_V01) {
+        log(LogLevel::Verbose, "Unknown message ID %lu received",
+            static_cast<unsigned long>(indication->msg_id));
+        return true;
+    }
+    return decodeAndReport(*indication);
+}
+
+std::size_t RlinkWdsProxy::countIndications() {
+    const std::lock_guard lock(indQueueMutex);
+    return indQueue.size();
 }
 
 bool RlinkWdsProxy::takeIndication(std::unique_ptr<IndInfo_t>& indication) {
@@ -385,7 +400,7 @@ bool RlinkWdsProxy::decodeAndReport(const IndInfo_t& indication) {
                                     indication.ind_buf_len, &message,
                                     sizeof(message)) != RLINK_NO_ERROR) {
         log(LogLevel::Error, "Unable to decode the nr status ind message");
-        return false;
+        return false;  // deliberate: one bad message ends the pass
     }
     if (message.profile_changed_valid == 0) {
         log(LogLevel::Error, "Profile changed ind TLV is not valid");

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -91,6 +92,8 @@ class RlinkWdsProxy {
     void configureEventList();
 
     void handleQueuedIndications();
+    std::size_t countIndications();
+    bool handleTaken(const IndInfo_t* indication);
     bool takeIndication(std::unique_ptr<IndInfo_t>& indication);
     bool decodeAndReport(const IndInfo_t& indication);
     void handleProfileChangedInd(const wds_profile_changed_ind_type_v01& change);

@@ -4,9 +4,9 @@
 
 #include <list>
 #include <optional>
-#include <sstream>
 
 #include "AttachSearch.h"
+#include "DumpText.h"
 #include "KeyText.h"
 #include "LogWrapper.h"
 #include "ParamsFields.h"
@@ -61,7 +61,7 @@ bool reportMismatch() {
 }  // namespace
 
 bool Util::matchLteAttachProfileId(int profileId, const ProfileParams& params) {
-    std::ostringstream request;
+    DumpText request;
     request << "Profile id = " << profileId << " Input Params = " << params.dump();
     log(LogLevel::Notice, "vela matchLteAttachProfileId > %s", request.str().c_str());
 

@@ -92,7 +92,7 @@ class VELA_API ProfileParams {
     void setMaxPdnConnTimer(int value) { maxPdnConnTimer = value; }
     bool hasMaxPdnConnTimer() const { return maxPdnConnTimer.has_value(); }
 
-    /** Wait between PDN requests in seconds; 0 to 65535 reach the modem (3GPP only). */
+    /** Wait between PDN requests; 0 to 65535 reach the modem (3GPP only). */
     int getPdnReqWaitInterval() const { return pdnReqWaitInterval.value_or(0); }
     void setPdnReqWaitInterval(int value) { pdnReqWaitInterval = value; }
     bool hasPdnReqWaitInterval() const { return pdnReqWaitInterval.has_value(); }
@@ -172,7 +172,7 @@ class VELA_API FilterProfileParams : public ProfileParams {
     FilterProfileParams() = default;
 
     /** Asks for every field of `params`; no criteria, no profile id, any technology. */
-    explicit FilterProfileParams(const ProfileParams& params) : ProfileParams(params) {}
+    FilterProfileParams(const ProfileParams& params) : ProfileParams(params) {}
 
     /** The modem's profile index. */
     int getFilterByProfileId() const { return filterByProfileId.value_or(0); }

@@ -162,7 +162,7 @@ typedef struct wds_profile_settings_type_v01 {
     uint8_t max_pdn_connection_timer_valid;
     uint16_t max_pdn_connection_timer; /* seconds */
     uint8_t pdn_request_wait_interval_valid;
-    uint16_t pdn_request_wait_interval; /* seconds */
+    uint16_t pdn_request_wait_interval;
     uint8_t apn_disabled_flag_valid;
     uint8_t apn_disabled_flag;
     uint8_t emergency_calls_support_valid;
