@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "LogCapture.h"
+#include "MessageBytes.h"
 
 namespace vela {
 namespace {
@@ -65,7 +66,7 @@ TEST(Modem3gpp2ProfileTest, CreateMessageWritesBothLevels) {
         std::memset(to.authentication_password, 'p', 127);
         std::memset(to.pdn_level_authentication_password, 'p', 127);
         const auto request = Modem3gpp2Profile(params).constructAddRequest();
-        EXPECT_EQ(std::memcmp(&request, &expected, sizeof(request)), 0) << auth;
+        EXPECT_TRUE(bytesOf(request) == bytesOf(expected)) << auth;
     }
 }
 
@@ -73,8 +74,7 @@ TEST(Modem3gpp2ProfileTest, ModifyMessageKeepsTheLowByteOfTheIndex) {
     Modem3gpp2Profile profile{ProfileParams()};
     profile.setProfileId(300);
     const auto request = profile.constructModifyRequest();
-    const unsigned char identifier[8] = {1, 0, 0, 0, 44, 0, 0, 0};
-    EXPECT_EQ(std::memcmp(&request, identifier, sizeof(identifier)), 0);
+    EXPECT_EQ(bytesOf(request).substr(0, 8), std::string_view("\1\0\0\0\54\0\0\0", 8));
 }
 
 TEST(Modem3gpp2ProfileTest, ReadsWhatTheModemSaysButNoPassword) {

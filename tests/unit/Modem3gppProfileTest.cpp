@@ -7,6 +7,8 @@
 #include <cstring>
 
 #include "LogCapture.h"
+#include "MessageBytes.h"
+#include "Modem3gpp2Profile.h"
 
 namespace vela {
 namespace {
@@ -91,6 +93,51 @@ TEST(Modem3gppProfileTest, RoamingIsKnownOnlyWhereBothRadiosAgree) {
     }
 }
 
+TEST(Modem3gppProfileTest, MatchesIPTypesThatAreOnlyPartlyThere) {
+    const struct {
+        StoredIPTypes stored;
+        int home, roam;
+        FilterMatchCriteria criteria;
+        bool matches;
+    } table[] = {
+        {{kNone, kNone, kNone, kNone}, 1, kNone, FilterMatchCriteria::HomeIPSuperset, false},
+        {{kNone, 1, kNone, kNone}, 1, kNone, FilterMatchCriteria::HomeIPSubset, true},
+        {{kNone, kNone, kNone, kNone}, kNone, 1, FilterMatchCriteria::RoamIPSuperset, false},
+        // Without roaming types it is the common type that counts, not the override.
+        {{3, 1, kNone, kNone}, kNone, 1, FilterMatchCriteria::HomeIPSubset, false},
+        {{3, 1, kNone, kNone}, kNone, 3, FilterMatchCriteria::HomeIPSubset, true},
+        // The stored UMTS value of a profile without one is UNKNOWN.
+        {{1, kNone, 0, kNone}, kNone, 0, FilterMatchCriteria::HomeIPSubset, true},
+        {{1, kNone, kNone, 0}, kNone, 0, FilterMatchCriteria::HomeIPSubset, false},
+    };
+    for (const auto& row : table) {
+        Modem3gppProfile profile{ProfileParams()};
+        row.stored.store(profile);
+        FilterProfileParams filter(ipTypes(row.home, row.roam));
+        filter.addFilterMatchCriteria(toMask(row.criteria));
+        EXPECT_EQ(profile.match(filter), row.matches) << profile.dump() << filter.dump();
+    }
+}
+
+TEST(Modem3gppProfileTest, ADifferenceChangesSettingsAndNothingElse) {
+    ModifyProfileParams changes;
+    changes.setApnTypesMask(1 | 4096);
+    Modem3gppProfile profile{changes};
+    profile.setProfileId(4);
+    profile.setProfileName("vela_profile");
+    profile.setIsPersistent(true);
+    profile.setIsVelaCreated(true);
+    profile.incRefCount();
+    const auto difference = profile.diff(changes);
+    ASSERT_NE(difference, nullptr);  // bits that the modem cannot hold always differ
+    const std::string before = profile.dump();
+    profile.apply(difference);
+    profile.apply(std::make_shared<Modem3gpp2Profile>(7, wds_get_profile_settings_resp_msg_v01{}));
+    EXPECT_EQ(profile.dump(), before);
+    EXPECT_TRUE(profile.getIsPersistent() && profile.getIsVelaCreated());
+    EXPECT_EQ(profile.getRefCount(), 1);
+}
+
 TEST(Modem3gppProfileTest, NameTellsWhoseProfileItIs) {
     const std::tuple<std::string, bool, bool> table[] = {
         {"vela_profile", true, false},     {"vela_profile_ia", true, true},
@@ -155,7 +202,7 @@ TEST(Modem3gppProfileTest, CreateMessageHoldsWhatIsPresentAndZeroes) {
     to.authentication_preference_valid = 1, to.authentication_preference = 3;
     to.apn_class_valid = 1, to.apn_class = 4;
     const wds_create_profile_req_msg_v01 request = profile.constructAddRequest();
-    EXPECT_EQ(std::memcmp(&request, &expected, sizeof(request)), 0);
+    EXPECT_TRUE(bytesOf(request) == bytesOf(expected));
 }
 
 TEST(Modem3gppProfileTest, ModifyMessageNamesTheProfileAndClearsTheOverride) {
@@ -168,7 +215,7 @@ TEST(Modem3gppProfileTest, ModifyMessageNamesTheProfileAndClearsTheOverride) {
     expected.settings.override_home_pdp_type_valid = 1;
     expected.settings.override_home_pdp_type = WDS_COMMON_PDP_TYPE_UNSET_V01;
     const wds_modify_profile_settings_req_msg_v01 request = changes.constructModifyRequest();
-    EXPECT_EQ(std::memcmp(&request, &expected, sizeof(request)), 0);
+    EXPECT_TRUE(bytesOf(request) == bytesOf(expected));
 }
 
 TEST(Modem3gppProfileTest, ReadsWhatTheModemSays) {
@@ -200,6 +247,9 @@ TEST(Modem3gppProfileTest, ReadsWhatTheModemSays) {
     EXPECT_EQ(log.take(),
               (std::vector<LogCapture::Line>{{LogLevel::Debug, "Unknown pdp_type_enum 255"},
                                              {LogLevel::Debug, "Unknown pdp_type_enum 9"}}));
+    wds_get_profile_settings_resp_msg_v01 flagOnly{};
+    flagOnly.settings.persistence_flag = 1;
+    EXPECT_FALSE(Modem3gppProfile(5, flagOnly).getIsPersistent());
 }
 
 }  // namespace

@@ -7,10 +7,11 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <cstring>
 #include <random>
 
+#include "DeathTests.h"
 #include "LogCapture.h"
+#include "MessageBytes.h"
 #include "Modem3gpp2Profile.h"
 #include "Modem3gppProfile.h"
 
@@ -77,6 +78,7 @@ TEST(RefCountTest, GoesBelowZeroButNeverWraps) {
     Modem3gppProfile profile{ProfileParams()};
     profile.decRefCount();
     EXPECT_EQ(profile.getRefCount(), -1);
+    runDeathTestsAfresh();
     RefCount highest(INT_MAX - 1);
     highest.increment();
     EXPECT_DEATH(highest.increment(), "");
@@ -260,7 +262,7 @@ TEST_P(BothTechnologiesTest, ReadsBackWhatItWrites) {
         // Create and modify carry the same settings, apart from the persistence.
         const auto modify = profile->constructModifyRequest();
         create.settings.persistence_flag_valid = create.settings.persistence_flag = 0;
-        ASSERT_EQ(std::memcmp(&create.settings, &modify.settings, sizeof(create.settings)), 0);
+        ASSERT_TRUE(bytesOf(create.settings) == bytesOf(modify.settings));
     }
 }
 
