@@ -15,8 +15,11 @@ namespace {
 
 constexpr std::size_t kLinesKept = 4096;
 
-__attribute__((format(printf, 1, 0))) std::string format(const char* pattern,
-                                                         std::va_list arguments) {
+// The format is the business of whoever logs.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+
+std::string format(const char* pattern, std::va_list arguments) {
     std::va_list again;
     va_copy(again, arguments);
     const int length = std::vsnprintf(nullptr, 0, pattern, again);
@@ -29,6 +32,8 @@ __attribute__((format(printf, 1, 0))) std::string format(const char* pattern,
     text.pop_back();
     return text;
 }
+
+#pragma GCC diagnostic pop
 
 }  // namespace
 
@@ -79,7 +84,7 @@ bool DiagLog::detach() {
     return true;
 }
 
-void DiagLog::print(Line line) {
+void DiagLog::print(const Line& line) {
     const std::lock_guard sinkLock(sinkMutex);
     {
         const std::lock_guard lock(mutex);

@@ -64,6 +64,7 @@ std::optional<Fault> faultNamed(std::string_view name) {
 
 std::vector<Fault> allFaults() {
     std::vector<Fault> faults;
+    faults.reserve(kFaults.size());
     for (const auto& info : kFaults) {
         faults.push_back(info.fault);
     }

@@ -82,8 +82,10 @@ std::vector<DeliveryQueue::Ticket> IndicationSender::send(const std::vector<Outg
     return tickets;
 }
 
-void IndicationSender::sendOne(Outgoing outgoing, std::vector<DeliveryQueue::Ticket>& tickets) {
-    auto& [indication, faults] = outgoing;
+void IndicationSender::sendOne(const Outgoing& outgoing,
+                               std::vector<DeliveryQueue::Ticket>& tickets) {
+    auto indication = outgoing.indication;
+    const auto& faults = outgoing.faults;
     for (const auto& fired : faults) {
         auto entry = indication;
         entry.kind = JournalKind::FaultInjected;

@@ -35,7 +35,7 @@ class IndicationSender {
     std::vector<DeliveryQueue::Ticket> send(const std::vector<Outgoing>& all);
 
   private:
-    void sendOne(Outgoing outgoing, std::vector<DeliveryQueue::Ticket>& tickets);
+    void sendOne(const Outgoing& outgoing, std::vector<DeliveryQueue::Ticket>& tickets);
 
     Journal& journal;
     FaultPlan& plan;

@@ -36,6 +36,17 @@ Settings newProfile(Technology technology, const Settings& written) {
 
 }  // namespace
 
+template <typename Self>
+auto Modem::table(Self& self, Technology technology) -> decltype(&self.threeGpp) {
+    switch (technology) {
+        case Technology::ThreeGpp:
+            return &self.threeGpp;
+        case Technology::ThreeGpp2:
+            return &self.threeGpp2;
+    }
+    return nullptr;
+}
+
 Modem::Modem(unsigned capacity)
     : capacity(std::clamp(capacity, 1U, unsigned{WDS_PROFILE_LIST_MAX_V01})) {}
 
@@ -117,20 +128,6 @@ void Modem::powerCycle() {
     const auto isVolatile = [](const auto& item) { return item.second.persistence_flag == 0; };
     std::erase_if(threeGpp, isVolatile);
     std::erase_if(threeGpp2, isVolatile);
-}
-
-Modem::Table* Modem::table(Technology technology) {
-    return const_cast<Table*>(std::as_const(*this).table(technology));
-}
-
-const Modem::Table* Modem::table(Technology technology) const {
-    switch (technology) {
-        case Technology::ThreeGpp:
-            return &threeGpp;
-        case Technology::ThreeGpp2:
-            return &threeGpp2;
-    }
-    return nullptr;
 }
 
 std::optional<std::uint8_t> Modem::freeIndex(const Table& profiles) const {

@@ -56,8 +56,10 @@ class Modem {
     void powerCycle();
 
   private:
-    Table* table(Technology technology);
-    const Table* table(Technology technology) const;
+    template <typename Self>
+    static auto table(Self& self, Technology technology) -> decltype(&self.threeGpp);
+    Table* table(Technology technology) { return table(*this, technology); }
+    const Table* table(Technology technology) const { return table(*this, technology); }
     std::optional<std::uint8_t> freeIndex(const Table& table) const;
 
     unsigned capacity;

@@ -28,10 +28,6 @@ Platform::Handle handleOf(rlink_client_type client) {
     return reinterpret_cast<Platform::Handle>(client);
 }
 
-rlink_client_type clientOf(Platform::Handle handle) {
-    return reinterpret_cast<rlink_client_type>(handle);
-}
-
 std::shared_ptr<Platform> ownerOf(rlink_client_type client) {
     return client == nullptr ? nullptr : Installation::process().ownerOf(handleOf(client));
 }
@@ -67,7 +63,7 @@ VELASIM_API int rlink_client_notifier_init(rlink_service_object_type service,
     }
     const auto handle = Installation::process().newHandle();
     const int result = platform->createNotifier(handle);
-    *notifier = result == RLINK_NO_ERROR ? clientOf(handle) : nullptr;
+    *notifier = result == RLINK_NO_ERROR ? velasim::RlinkRuntime::toClient(handle) : nullptr;
     return result;
 }
 
@@ -104,7 +100,7 @@ VELASIM_API int rlink_client_init(rlink_service_info* info, rlink_service_object
     }
     const auto handle = Installation::process().newHandle();
     const int result = platform->connect(handle, callback, data);
-    *client = result == RLINK_NO_ERROR ? clientOf(handle) : nullptr;
+    *client = result == RLINK_NO_ERROR ? velasim::RlinkRuntime::toClient(handle) : nullptr;
     return result;
 }
 

@@ -7,13 +7,10 @@
 
 namespace velasim {
 
-namespace {
-
-rlink_client_type toClient(RlinkRuntime::Handle handle) {
-    return reinterpret_cast<rlink_client_type>(handle);
+rlink_client_type RlinkRuntime::toClient(Handle handle) {
+    // An opaque number to the client, never dereferenced.
+    return reinterpret_cast<rlink_client_type>(handle);  // NOLINT(performance-no-int-to-ptr)
 }
-
-}  // namespace
 
 RlinkRuntime::RlinkRuntime(Journal& journal, DeliveryMode mode, bool isServiceUp)
     : journal(journal), up(isServiceUp), queued(journal, mode) {}

@@ -30,6 +30,9 @@ class RlinkRuntime {
 
     RlinkRuntime(Journal& journal, DeliveryMode mode, bool isServiceUp);
 
+    /** What clients get for a handle. */
+    static rlink_client_type toClient(Handle handle);
+
     RlinkRuntime(const RlinkRuntime&) = delete;
     RlinkRuntime& operator=(const RlinkRuntime&) = delete;
 

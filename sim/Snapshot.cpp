@@ -53,10 +53,10 @@ Json toJson(const std::vector<StoredProfile>& profiles, Technology technology) {
 }
 
 // Without the library's own classification in brackets.
-std::string explain(const Json::parse_error& error) {
+std::string explain(const Json::exception& error) {
     const std::string_view text = error.what();
     const auto end = text.find("] ");
-    return std::string(end == std::string_view::npos ? text : text.substr(end + 2));
+    return printable(end == std::string_view::npos ? text : text.substr(end + 2));
 }
 
 bool writeAll(int fd, std::string_view text) {
@@ -79,11 +79,9 @@ std::string failure(const std::string& path, const char* what) {
 SnapshotResult Snapshot::parse(std::string_view text, std::string_view name) {
     const auto prefix = std::string(name) + ": ";
     try {
-        return {SnapshotReader().read(Json::parse(text)), {}};
-    } catch (const Json::parse_error& error) {
-        return {std::nullopt, prefix + explain(error)};
+        return {SnapshotReader().read(SnapshotReader::Json::parse(text)), {}};
     } catch (const Json::exception& error) {
-        return {std::nullopt, prefix + error.what()};
+        return {std::nullopt, prefix + explain(error)};
     } catch (const SnapshotReader::Problem& problem) {
         return {std::nullopt, prefix + problem.text};
     }

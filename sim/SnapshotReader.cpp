@@ -48,9 +48,11 @@ std::uint64_t readNumber(const Json& json, const std::string& path, std::uint64_
                          std::uint64_t most) {
     if (!json.is_number_unsigned() || json.get<std::uint64_t>() < least ||
         json.get<std::uint64_t>() > most) {
+        const auto text = json.is_primitive()
+                              ? json.dump(-1, ' ', true, Json::error_handler_t::replace)
+                              : std::string(json.type_name());
         fail(path, "a number from " + std::to_string(least) + " to " + std::to_string(most) +
-                       " is wanted, not " +
-                       json.dump(-1, ' ', true, Json::error_handler_t::replace).substr(0, 40));
+                       " is wanted, not " + text.substr(0, 40));
     }
     return json.get<std::uint64_t>();
 }

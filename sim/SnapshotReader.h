@@ -15,7 +15,9 @@ namespace velasim {
  * reads ("modems[0].3gpp[2]") and throws SnapshotReader::Problem. */
 class SnapshotReader {
   public:
-    using Json = nlohmann::ordered_json;
+    /** Not the ordered kind, which copies its members as it grows: recursively, so that a deeply
+     * nested text would exhaust the stack. */
+    using Json = nlohmann::json;
 
     /** What is wrong, where. */
     struct Problem {

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstring>
+#include <optional>
 
 #include "SimClient.h"
 #include "velasim/Simulator.h"

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <future>
 #include <latch>
 #include <optional>
@@ -234,6 +235,7 @@ TEST(RuntimeTest, SteppedDeliveryIsOneByOne) {
 TEST(RuntimeTest, ManyThreads) {
     Simulator simulator({.capacity = 255, .journalLimit = 100});
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([] {
             for (int round = 0; round < 50; ++round) {

@@ -1,6 +1,7 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -17,8 +18,8 @@ constexpr auto k3gpp2 = Technology::ThreeGpp2;
 
 class SnapshotTest : public testing::Test {
   protected:
-    SnapshotTest() { std::filesystem::create_directory(folder); }
-    ~SnapshotTest() override { std::filesystem::remove_all(folder); }
+    void SetUp() override { std::filesystem::create_directory(folder); }
+    void TearDown() override { std::filesystem::remove_all(folder); }
 
     const std::filesystem::path folder =
         testing::TempDir() + "/velasim-" + std::to_string(::getpid());
@@ -85,6 +86,8 @@ TEST_F(SnapshotTest, ErrorsNameTheFileThePlaceAndTheReason) {
         {settings(R"("apn_name":{"hex":"6100"})"), "must not contain a zero byte"},
         {settings(R"("apn_name":")" + std::string(151, 'a') + '"'),
          "settings.apn_name: text of 151 bytes, at most 150 fit"},
+        {settings("\"apn_class\":" + std::string(200000, '[') + std::string(200000, ']')),
+         "settings.apn_class: a number from 0 to 255 is wanted, not array"},
         {settings(R"("apn_class":256)"), "settings.apn_class: a number from 0 to 255 is wanted"},
         {settings(R"("pdp_type":"IP")"), "settings.pdp_type: a number from 0 to 4294967295"},
     };

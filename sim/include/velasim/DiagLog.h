@@ -64,7 +64,7 @@ class VELASIM_API DiagLog {
     /** What the C functions do. */
     bool attach();
     bool detach();
-    void print(Line line);
+    void print(const Line& line);
 
   private:
     DiagLog() = default;
