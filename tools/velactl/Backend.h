@@ -1,0 +1,69 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <vela/Manager.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "ProfileRecord.h"
+
+namespace velactl {
+
+/** Which modem, and how it is kept. */
+struct ModemOptions {
+    /** The simulated modem's memory; empty: a new modem that is forgotten at the end. */
+    std::string file;
+    int instance = 0;
+    /** Profiles per technology of a simulated modem. */
+    std::optional<unsigned> capacity;
+    /** A simulated modem delivers only when it is told to, so that a run can be repeated. */
+    bool isStepped = false;
+    /** Of a simulated modem's faults. */
+    std::uint64_t seed = 1;
+};
+
+/** Gets the library's log lines as they come, on any thread; must not log or call the library. */
+using LogSink = std::function<void(std::string_view line)>;
+
+/**
+ * What stands below the library: the modem. One implementation is linked in, the simulator's or a
+ * device's.
+ */
+class Backend {
+  public:
+    Backend() = default;
+    Backend(const Backend&) = delete;
+    Backend& operator=(const Backend&) = delete;
+    virtual ~Backend() = default;
+
+    /** Initialises the library and waits until it is connected to the modem; throws ToolError. */
+    virtual void connect(vela::Manager& manager) = 0;
+
+    /** Waits until what the modem has announced has reached the library's cache. */
+    virtual void settle(vela::Manager& manager) = 0;
+
+    /** The modem's own tables, seen past the library; empty when the platform has no such view. */
+    virtual std::optional<ProfileRecords> modemProfiles() = 0;
+
+    /** The library's log lines since the last call, oldest first. */
+    virtual std::vector<std::string> takeLog() = 0;
+
+    /** Why the modem refused its last refused request; empty when that is not known. */
+    virtual std::string lastRefusal() = 0;
+
+    /** Keeps the modem's persistent memory where the options say; throws ToolError. Returns a line
+     * worth telling, or nothing. */
+    virtual std::string save() = 0;
+};
+
+/** The one that is linked in. Throws ToolError. */
+std::unique_ptr<Backend> makeBackend(const ModemOptions& options, LogSink sink);
+
+}  // namespace velactl

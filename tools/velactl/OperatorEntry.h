@@ -1,0 +1,58 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <vela/ProfileParams.h>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace velactl {
+
+/** Names and values of an element's attributes, in the file's order. */
+using Attributes = std::vector<std::pair<std::string, std::string>>;
+
+/**
+ * One `apn` element of an operator's file, in the library's words. Nothing of it gets lost: what
+ * the library has no words for is named in `notes` or `notSent`, and what cannot be used at all has
+ * a refusal. A plain value.
+ */
+struct OperatorEntry {
+    /** Line in its file, from 1. */
+    std::size_t line = 0;
+    std::string carrier;
+    /** Empty, with a refusal, when the file's are not made of 3, and 2 or 3 digits. */
+    std::string mcc;
+    std::string mnc;
+    /** Empty: of the host operator. */
+    std::string mvnoType;
+    std::string mvnoData;
+
+    /** All but types and class, which are not one profile's affair: several entries may share an
+     * APN name, and a class has one owner. */
+    vela::ProfileParams params;
+    /** `ApnTypes` bits. */
+    unsigned int types = 0;
+    std::optional<vela::ApnClass> apnClass;
+    /** Why this can be no profile; empty when it can. */
+    std::string refusal;
+    /** What is odd, or was left out or guessed. */
+    std::vector<std::string> notes;
+    /** Attributes that say something for which a profile has no field. */
+    std::vector<std::string> notSent;
+
+    bool isUsable() const { return refusal.empty(); }
+    bool has(vela::ApnTypes type) const { return (types & toMask(type)) != 0; }
+
+    /** All of it as one profile. */
+    vela::ProfileParams profile() const;
+    vela::ProfileParams withTypes() const;
+    vela::ProfileParams withClass() const;
+
+    static OperatorEntry read(const Attributes& attributes, std::size_t line);
+};
+
+}  // namespace velactl

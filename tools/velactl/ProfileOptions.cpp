@@ -1,0 +1,114 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#include "ProfileOptions.h"
+
+#include <functional>
+
+#include "Limits.h"
+#include "ProfileRecord.h"
+#include "Text.h"
+#include "ToolError.h"
+#include "Words.h"
+
+namespace velactl {
+
+namespace {
+
+void addFlag(CLI::App& app, const std::string& name, std::optional<bool>& value,
+             const std::string& description) {
+    app.add_flag_function(
+        "--" + name + ",!--no-" + name, [&value](std::int64_t count) { value = count > 0; },
+        description);
+}
+
+const std::string& checkedText(const char* option, const std::string& text, std::size_t limit) {
+    if (text.size() > limit) {
+        throw badUsage(std::string(option) + ": " + std::to_string(text.size()) +
+                       " bytes; a profile holds " + std::to_string(limit));
+    }
+    return text;
+}
+
+int checkedNumber(const char* option, int number) {
+    if (number < 0 || number > kMaxShort) {
+        throw badUsage(std::string(option) + ": " + std::to_string(number) + " is not from 0 to " +
+                       std::to_string(kMaxShort));
+    }
+    return number;
+}
+
+}  // namespace
+
+void ProfileOptions::addTo(CLI::App& app) {
+    app.add_option("--apn", apn, "APN name");
+    app.add_option("--user", user, "user name for authentication");
+    app.add_option("--password", password, "password for authentication");
+    app.add_option("--auth", auth, "none, PAP, CHAP or PAP_CHAP");
+    app.add_option("--home-ip", homeIp, "IP type at home: IPv4, IPv6 or IPv4v6");
+    app.add_option("--roam-ip", roamIp, "IP type when roaming");
+    app.add_option("--types", types, "APN types, as default,mms");
+    app.add_option("--class", apnClass, "APN class: IMS, ADMN, INET or APP");
+    addFlag(app, "clat", clat, "use 464XLAT");
+    addFlag(app, "emergency", emergency, "emergency calls are supported");
+    addFlag(app, "disabled", disabled, "the APN is disabled");
+    app.add_option("--max-conns", maxConns, "PDN connections allowed per time block");
+    app.add_option("--max-conns-time", maxConnsTime, "that time block in seconds");
+    app.add_option("--wait-time", waitTime, "wait between PDN requests in seconds");
+}
+
+void ProfileOptions::applyTo(vela::ProfileParams& params) const {
+    if (apn) {
+        params.setApnName(checkedText("--apn", *apn, kMaxApnName));
+    }
+    if (user) {
+        params.setUserName(checkedText("--user", *user, kMaxCredential));
+    }
+    if (password) {
+        params.setPassword(checkedText("--password", *password, kMaxCredential));
+    }
+    if (auth) {
+        params.setAuthType(readAuthType("--auth", *auth));
+    }
+    if (homeIp) {
+        params.setHomeIPType(readIPType("--home-ip", *homeIp));
+    }
+    if (roamIp) {
+        params.setRoamIPType(readIPType("--roam-ip", *roamIp));
+    }
+    if (types) {
+        params.setApnTypesMask(readTypes("--types", *types));
+    }
+    if (apnClass) {
+        params.setApnClass(readApnClass("--class", *apnClass));
+    }
+    if (clat) {
+        params.setIsClatEnabled(*clat);
+    }
+    if (emergency) {
+        params.setIsEmergencySupported(*emergency);
+    }
+    if (disabled) {
+        params.setIsApnDisabled(*disabled);
+    }
+    if (maxConns) {
+        params.setMaxPdnsConnPerBlock(checkedNumber("--max-conns", *maxConns));
+    }
+    if (maxConnsTime) {
+        params.setMaxPdnConnTimer(checkedNumber("--max-conns-time", *maxConnsTime));
+    }
+    if (waitTime) {
+        params.setPdnReqWaitInterval(checkedNumber("--wait-time", *waitTime));
+    }
+}
+
+vela::ProfileParams ProfileOptions::params() const {
+    vela::ProfileParams result;
+    applyTo(result);
+    return result;
+}
+
+bool ProfileOptions::isEmpty() const {
+    return toJson(params(), false).empty();
+}
+
+}  // namespace velactl

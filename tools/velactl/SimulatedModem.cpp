@@ -1,0 +1,169 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#include "SimulatedModem.h"
+
+#include <velasim/DiagLog.h>
+#include <algorithm>
+#include <filesystem>
+#include <utility>
+
+#include "SettingsView.h"
+#include "Text.h"
+#include "ToolError.h"
+
+namespace velactl {
+
+namespace {
+
+using velasim::Technology;
+
+velasim::SimulatorOptions simulatorOptions(const ModemOptions& options, std::size_t modems) {
+    velasim::SimulatorOptions result;
+    result.instances = std::max<unsigned>({result.instances, static_cast<unsigned>(modems),
+                                           static_cast<unsigned>(options.instance) + 1U});
+    result.delivery =
+        options.isStepped ? velasim::DeliveryMode::Stepped : velasim::DeliveryMode::Immediate;
+    result.seed = options.seed;
+    result.capacity = options.capacity.value_or(result.capacity);
+    return result;
+}
+
+/** A line without the tag that the diagnostic log puts before it. */
+std::string_view withoutTag(std::string_view line) {
+    constexpr std::string_view kTag = "|VELA| ";
+    return line.substr(0, kTag.size()) == kTag ? line.substr(kTag.size()) : line;
+}
+
+}  // namespace
+
+SimulatedModem::SimulatedModem(const ModemOptions& options, LogSink sink)
+    : options(options), sink(std::move(sink)) {
+    const velasim::Snapshot memory = load();
+    sim = std::make_unique<velasim::Simulator>(simulatorOptions(options, memory.modems.size()));
+    const std::string error = sim->restore(memory);
+    if (!error.empty()) {
+        throw refused(options.file + ": " + error);
+    }
+    savedMemory = sim->snapshot().toJson();
+    velasim::DiagLog::instance().setSink([this](const velasim::DiagLog::Line& line) {
+        const std::string_view text = withoutTag(line.text);
+        if (this->sink) {
+            this->sink(text);
+        }
+        const std::lock_guard lock(linesMutex);
+        lines.emplace_back(text);
+    });
+}
+
+SimulatedModem::~SimulatedModem() {
+    velasim::DiagLog::instance().setSink({});
+}
+
+velasim::Snapshot SimulatedModem::load() {
+    std::error_code error;
+    isNew = !options.file.empty() && !std::filesystem::exists(options.file, error);
+    velasim::Snapshot memory;
+    if (!options.file.empty() && !isNew) {
+        velasim::SnapshotResult result = velasim::Snapshot::load(options.file);
+        if (!result.snapshot) {
+            throw refused(result.error);
+        }
+        memory = *std::move(result.snapshot);
+    }
+    const auto own = static_cast<std::size_t>(options.instance);
+    if (options.capacity && own < memory.modems.size()) {
+        memory.modems[own].capacity = *options.capacity;
+    }
+    return memory;
+}
+
+void SimulatedModem::connect(vela::Manager& manager) {
+    manager.init(options.instance, false);
+    settle(manager);
+    if (!sim->waitSubscribed(options.instance)) {
+        throw refused("the library did not register with modem instance " +
+                      std::to_string(options.instance));
+    }
+}
+
+void SimulatedModem::settle(vela::Manager& manager) {
+    vela::FilterProfileParams nothing;
+    nothing.setFilterByProfileId(-1);
+    do {
+        if (!isHeld) {
+            sim->waitIdle();
+        }
+        // The second answer comes after the worker has finished with all that the first one
+        // overtook. What it then asked of the modem may have caused further deliveries.
+        manager.filter(nothing);
+        manager.filter(nothing);
+    } while (!isHeld && sim->pendingDeliveries() > 0);
+}
+
+std::optional<ProfileRecords> SimulatedModem::modemProfiles() {
+    ProfileRecords records;
+    for (const Technology technology : {Technology::ThreeGpp, Technology::ThreeGpp2}) {
+        for (const velasim::StoredProfile& profile : sim->profiles(options.instance, technology)) {
+            records.push_back(viewOf(technology, profile));
+        }
+    }
+    sortTable(records);
+    return records;
+}
+
+std::vector<std::string> SimulatedModem::takeLog() {
+    const std::lock_guard lock(linesMutex);
+    return std::exchange(lines, {});
+}
+
+std::string SimulatedModem::lastRefusal() {
+    std::string reason;
+    for (const velasim::JournalEntry& entry : sim->journal().snapshot()) {
+        if (entry.kind != velasim::JournalKind::Response) {
+            continue;
+        }
+        if (entry.error != velasim::ModemError::None) {
+            reason = velasim::toString(entry.error);
+        } else if (entry.result != 0) {
+            reason = "no answer";
+        }
+    }
+    return reason;
+}
+
+bool SimulatedModem::changeBehindLibrary(int index, std::string_view setting,
+                                         std::string_view value) {
+    velasim::Settings settings{};
+    return velasim::setText(settings, setting, value) &&
+           sim->foreignModify(options.instance, Technology::ThreeGpp, index, settings);
+}
+
+void SimulatedModem::restart(vela::Manager& manager) {
+    sim->restart();
+    if (!sim->waitSubscribed(options.instance)) {
+        throw refused("the library did not come back after the modem's restart");
+    }
+    sim->profileReady(options.instance);
+    settle(manager);
+}
+
+std::string SimulatedModem::save() {
+    if (options.file.empty()) {
+        return {};
+    }
+    const velasim::Snapshot memory = sim->snapshot();
+    if (!isNew && memory.toJson() == savedMemory) {
+        return {};
+    }
+    const std::string error = memory.save(options.file);
+    if (!error.empty()) {
+        throw refused(error);
+    }
+    return std::exchange(isNew, false) ? options.file + ": created, a new modem" : std::string();
+}
+
+std::unique_ptr<Backend> makeBackend(const ModemOptions& options, LogSink sink) {
+    return std::make_unique<SimulatedModem>(options, std::move(sink));
+}
+
+}  // namespace velactl

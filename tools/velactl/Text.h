@@ -1,0 +1,49 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+//
+// Texts for people. What comes from a modem, an operator's file or an argument may be any bytes.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velactl {
+
+bool isUtf8(std::string_view text);
+
+/** The text with everything that a terminal might obey, or that is not UTF-8, as "\xNN". */
+std::string printable(std::string_view text);
+
+/** printable(), in double quotes. */
+std::string inQuotes(std::string_view text);
+
+/** Columns that a printable text takes on a terminal. */
+std::size_t displayWidth(std::string_view text);
+
+/** The bytes as hexadecimal digits. */
+std::string hex(std::string_view bytes);
+
+/** ASCII letters only; so are the comparisons below. */
+std::string toLower(std::string_view text);
+bool sameLetters(std::string_view left, std::string_view right);
+
+/** Without spaces and tabs at both ends. */
+std::string_view trim(std::string_view text);
+
+/** The trimmed parts between separators; none for an empty text. */
+std::vector<std::string> split(std::string_view text, char separator);
+
+std::string join(const std::vector<std::string>& parts, std::string_view separator);
+
+/** "a, b or c" */
+std::string alternatives(const std::vector<std::string>& words);
+
+/** 1234567 as "1,234,567". */
+std::string grouped(std::size_t number);
+
+/** "1 profile", "2,000 profiles"; `noun` forms its plural with an s, or "y" to "ies". */
+std::string counted(std::size_t number, std::string_view noun);
+
+}  // namespace velactl

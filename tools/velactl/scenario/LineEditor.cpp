@@ -1,0 +1,138 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#include "scenario/LineEditor.h"
+
+#include <histedit.h>
+
+#include <cstdio>
+#include <iostream>
+#include <utility>
+
+namespace velactl {
+
+/** The terminal's line editor and its history. */
+class LineEditor::Terminal {
+  public:
+    Terminal(std::string promptText, Completions completionsOf)
+        : prompt(std::move(promptText)),
+          completions(std::move(completionsOf)),
+          editLine(::el_init("velactl", stdin, stdout, stderr)),
+          pastLines(::history_init()) {
+        constexpr int kHistoryLines = 1000;
+        ::history(pastLines, &event, H_SETSIZE, kHistoryLines);
+        ::el_set(editLine, EL_CLIENTDATA, this);
+        ::el_set(editLine, EL_PROMPT, &promptOf);
+        ::el_set(editLine, EL_EDITOR, "emacs");
+        ::el_set(editLine, EL_HIST, ::history, pastLines);
+        ::el_set(editLine, EL_ADDFN, "complete", "complete the word", &complete);
+        ::el_set(editLine, EL_BIND, "^I", "complete", nullptr);
+    }
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+    ~Terminal() {
+        ::el_end(editLine);
+        ::history_end(pastLines);
+    }
+
+    std::optional<std::string> read() {
+        int length = 0;
+        const char* text = ::el_gets(editLine, &length);
+        if (text == nullptr || length <= 0) {
+            return std::nullopt;
+        }
+        std::string line(text, static_cast<std::size_t>(length));
+        while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) {
+            line.pop_back();
+        }
+        if (!line.empty()) {
+            ::history(pastLines, &event, H_ENTER, line.c_str());
+        }
+        return line;
+    }
+
+  private:
+    static Terminal& of(EditLine* line) {
+        void* self = nullptr;
+        ::el_get(line, EL_CLIENTDATA, &self);
+        return *static_cast<Terminal*>(self);
+    }
+
+    static char* promptOf(EditLine* line) { return of(line).prompt.data(); }
+
+    static unsigned char complete(EditLine* line, int /*key*/) {
+        const LineInfo* info = ::el_line(line);
+        return of(line).completeTyped(std::string(info->buffer, info->cursor));
+    }
+
+    /** Completes as far as all candidates agree; lists them when they do not. */
+    unsigned char completeTyped(const std::string& typed) {
+        std::vector<std::string> fitting;
+        std::string rest;
+        for (const std::string& candidate : completions(typed)) {
+            const std::size_t overlap = overlapOf(typed, candidate);
+            if (overlap == std::string::npos) {
+                continue;
+            }
+            const std::string tail = candidate.substr(overlap);
+            rest = fitting.empty() ? tail : commonPrefix(rest, tail);
+            fitting.push_back(candidate);
+        }
+        if (fitting.empty()) {
+            return CC_ERROR;
+        }
+        if (fitting.size() == 1) {
+            rest += ' ';
+        }
+        if (!rest.empty()) {
+            ::el_insertstr(editLine, rest.c_str());
+            return CC_REFRESH;
+        }
+        std::cout << '\n';
+        for (const std::string& candidate : fitting) {
+            std::cout << candidate << "  ";
+        }
+        std::cout << std::endl;
+        return CC_REDISPLAY;
+    }
+
+    /** How much of the candidate has been typed: as the whole line, or as its last word. */
+    static std::size_t overlapOf(const std::string& typed, const std::string& candidate) {
+        const std::string lastWord = typed.substr(typed.find_last_of(' ') + 1);
+        for (const std::string& part : {typed, lastWord}) {
+            if (candidate.compare(0, part.size(), part) == 0) {
+                return part.size();
+            }
+        }
+        return std::string::npos;
+    }
+
+    static std::string commonPrefix(const std::string& left, const std::string& right) {
+        std::size_t length = 0;
+        while (length < left.size() && length < right.size() && left[length] == right[length]) {
+            ++length;
+        }
+        return left.substr(0, length);
+    }
+
+    std::string prompt;
+    const Completions completions;
+    EditLine* const editLine;
+    History* const pastLines;
+    HistEvent event{};
+};
+
+LineEditor::LineEditor(std::string prompt, bool isTerminal, Completions completions)
+    : terminal(isTerminal ? std::make_unique<Terminal>(std::move(prompt), std::move(completions))
+                          : nullptr) {}
+
+LineEditor::~LineEditor() = default;
+
+std::optional<std::string> LineEditor::read() {
+    if (terminal) {
+        return terminal->read();
+    }
+    std::string line;
+    return std::getline(std::cin, line) ? std::optional(line) : std::nullopt;
+}
+
+}  // namespace velactl
