@@ -10,7 +10,7 @@ headers=$(dirname "${BASH_SOURCE[0]}")/../include/vela
 nm=$1
 library=$2
 
-symbols=$("$nm" -DC --defined-only "$library" | sed -E 's/^[0-9a-f]+ //; s/@.*//')
+symbols=$("$nm" --dynamic --demangle --defined-only "$library" | sed -E 's/^[0-9a-f]+ //; s/@.*//')
 classes=$(sed -nE 's/^class VELA_API ([A-Za-z]+).*/\1/p' "$headers"/*.h)
 
 public="vela::(${classes//$'\n'/|})"

@@ -31,7 +31,8 @@ std::string print(T value) {
 // Each request keeps its type and its text across the library's boundary.
 void requests() {
     const vela::ProfileParams params;
-    const vela::AddRequest add(vela::AddProfileParams(params, true, vela::TechType::TECH_3GPP, false));
+    const vela::AddRequest add(
+        vela::AddProfileParams(params, true, vela::TechType::TECH_3GPP, false));
     const vela::ModifyRequest modify(vela::ModifyProfileParams(params), nullptr);
     const vela::DeleteRequest remove(nullptr);
     const vela::FilterRequest filter{vela::FilterProfileParams(params)};

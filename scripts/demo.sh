@@ -1,0 +1,61 @@
+#!/bin/bash
+# Copyright 2026 The libvelar Authors
+# SPDX-License-Identifier: Apache-2.0
+#
+# What `./dev run` shows: a real operator provisioned into a simulated modem, library and modem kept
+# in step through changes and a restart, then an attach, a data call and an emergency call.
+#
+# usage: demo.sh VELACTL OPERATOR-FILE [MCCMNC]
+set -euo pipefail
+
+if [[ $# -lt 2 ]]; then
+    echo "usage: demo.sh VELACTL OPERATOR-FILE [MCCMNC]" >&2
+    exit 2
+fi
+readonly velactl=$1 operators=$2 plmn=${3:-302720}
+
+directory=$(mktemp -d)
+trap 'rm -rf "$directory"' EXIT
+readonly modem=$directory/modem.json
+
+chapter() { printf '\n\033[1m%s\033[0m\n' "$1"; }
+explain() { printf '%s\n' "$@" ''; }
+run() {
+    printf '$ velactl %s\n' "$*"
+    "$velactl" --modem "$modem" "$@"
+}
+
+# Switched on for the first time: creates the file.
+"$velactl" --modem "$modem" list >/dev/null 2>&1
+
+chapter "1. A new modem gets the settings of operator $plmn"
+explain "The operator's entries become profiles in the modem: one for each, and one that the phone" \
+    "uses for the LTE initial attach. The file is ${operators##*/}, as Debian ships it."
+run provision --apns "$operators" --plmn "$plmn"
+
+chapter "2. The same again: nothing is left to do"
+run provision --apns "$operators" --plmn "$plmn" | grep -E '^(\$|Nothing changed|Library)'
+
+chapter "3. The library keeps in step with the modem"
+explain "It changes a profile; somebody else changes one behind its back; the modem restarts. Each" \
+    "time the library's view is compared with the modem's own table."
+run demo
+
+chapter "4. LTE attach"
+explain "The policy looks for the profile that fits best, and creates one only when none does. Here it" \
+    "finds the attach profile and gives it back the user name that somebody has changed."
+run attach --apns "$operators" --plmn "$plmn"
+
+chapter "5. A data call to an APN that the operator does not list"
+explain "No profile fits, so a temporary one is made for the call. When the call ends, the last key" \
+    "to it is dropped, and the modem forgets it."
+run data-call --apn company.example --home-ip IPv4v6
+
+chapter "6. An emergency call"
+explain "Any profile that supports emergency calls would do. There is none, so one is created that" \
+    "serves nothing else, and stays."
+run emergency --apn sos
+
+chapter "In the end"
+run list
+printf '\nLibrary and modem agreed each time.\n'
