@@ -1,0 +1,245 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#include "support/ClientFixture.h"
+
+namespace vela {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+using velasim::Fault;
+
+constexpr const char* kFollowed = "ProfileCache: updating cache due to indication!";
+constexpr const char* kMissing = "ProfileCache: token is not present or expired";
+constexpr const char* kIgnoring = "ProfileCache: ignoring non-persistent or non-vela created";
+
+class CacheTest : public ClientFixture {
+  protected:
+    CacheTest() { start(); }
+
+    std::function<void()> counting() {
+        return [this] { ++expirations; };
+    }
+
+    int expirations = 0;
+};
+
+TEST_F(CacheTest, OwnChangesAreConfirmedAndForeignOnesFollowed) {
+    const Key key = add("apn=Net user=bob");
+    key->registerExpirationListener(counting());
+    const Key cdma = add("apn=cdma user=bob home=1", true, TechType::TECH_3GPP2);
+    EXPECT_TRUE(modify("user=eve", key));
+    EXPECT_TRUE(manager.deleteProfile(cdma));
+    expectCacheEqualsModem();
+    EXPECT_EQ(logged("ProfileCache: pending transaction confirmed"), 6U);
+    EXPECT_EQ(logged(kFollowed), 0U);
+    EXPECT_THAT(pending(), IsEmpty());
+    EXPECT_EQ(expirations, 0);
+    for (const std::string user : {"ann", "joe"}) {
+        change(1, "user_name=" + user);
+        settle();
+        EXPECT_THAT(read(key), HasSubstr("UserName=" + user));
+    }
+    EXPECT_EQ(expirations, 1) << "the listener went with the object it was registered for";
+    sim.foreignDelete(0, Technology::ThreeGpp, 1);
+    sim.foreignCreate(0, Technology::ThreeGpp2, settingsOf("apn_string_3gpp2=cdma"));
+    expectCacheEqualsModem();
+}
+
+TEST_F(CacheTest, RefusedWrites) {
+    const Key key = add("apn=net user=bob");
+    settle();
+    const std::function<bool()> attempts[] = {[&] { return modify("user=eve", key); },
+                                              [&] { return manager.deleteProfile(key); },
+                                              [&] { return add("apn=two") != nullptr; }};
+    for (const Fault reason : {Fault::Refuse, Fault::Timeout, Fault::SendFailure}) {
+        std::vector<bool> results;
+        for (const auto& attempt : attempts) {
+            fault(reason);
+            results.push_back(attempt());
+        }
+        EXPECT_THAT(results, ElementsAre(true, false, false)) << velasim::toString(reason);
+    }
+    EXPECT_EQ(logged("ProfileCache: failed to modify modem profile"), 3U);
+    EXPECT_EQ(logged("ProfileCache: Failed to remove profile"), 3U);
+    EXPECT_EQ(logged("Unable send RLINK_WDS_CREATE_PROFILE_REQ_V01 message"), 3U);
+    EXPECT_THAT(pending(), IsEmpty());
+    expectCacheEqualsModem();
+
+    sim.journal().clear();
+    EXPECT_TRUE(modify("user=bob apn=NET", key)) << "changes nothing";
+    EXPECT_EQ(add("apn=odd", true, static_cast<TechType>(2)), nullptr);
+    EXPECT_EQ(logged("ProfileCache: failed to create profile"), 1U);
+    EXPECT_EQ(requests(), 0U);
+}
+
+/** Not one of the library's keys. */
+class ForeignKey : public IProfileKey {
+  public:
+    int getProfileId() const override { return 1; }
+    TechType getTechType() const override { return TechType::TECH_3GPP; }
+    void registerExpirationListener(std::function<void()>) override {}
+    std::string dump() const override { return "foreign"; }
+};
+
+TEST_F(CacheTest, KeysThatNameNothing) {
+    const Key reloaded = add("apn=reloaded");
+    const Key deleted = add("apn=deleted");
+    const Key also = find("apn=deleted").front();
+    EXPECT_TRUE(manager.deleteProfile(deleted)) << "whoever else holds a key";
+    reload();
+    const std::pair<Key, std::size_t> keysAndMisses[] = {
+        {nullptr, 0}, {std::make_shared<ForeignKey>(), 0}, {deleted, 4}, {also, 4}, {reloaded, 4}};
+    for (const auto& [key, misses] : keysAndMisses) {
+        velasim::DiagLog::instance().clear();
+        expectNothingBy(manager, key);
+        EXPECT_EQ(logged(kMissing), misses);
+    }
+    reloaded->registerExpirationListener(counting());
+    reload();
+    EXPECT_EQ(expirations, 0);
+    EXPECT_EQ(profilesInModem(), 1U);
+}
+
+TEST_F(CacheTest, ATemporaryProfileLivesAsLongAsItsKeys) {
+    Keys keys{add("apn=temp", false)};
+    keys.splice(keys.end(), find("apn=temp"));
+    keys.splice(keys.end(), find(""));
+    ASSERT_THAT(keys, SizeIs(3));
+    for (; keys.size() > 1; keys.pop_front()) {
+        EXPECT_EQ(profilesInModem(), 1U);
+    }
+    EXPECT_EQ(profilesInModem(), 1U);
+    keys.clear();
+    EXPECT_EQ(profilesInModem(), 0U);
+    EXPECT_EQ(logged("Released profile 1"), 1U);
+    settle();
+    EXPECT_THAT(pending(), IsEmpty());
+    EXPECT_EQ(logged(kFollowed), 0U);
+}
+
+TEST_F(CacheTest, ReleasesThatDeleteNothing) {
+    // The count stays at 1, so that the next key brings it to 2 and takes it back to 1.
+    add("apn=keep");
+    EXPECT_EQ(logged(kIgnoring), 1U);
+    find("apn=keep").clear();
+    EXPECT_EQ(logged(kIgnoring), 1U) << "the count had been lowered";
+
+    sim.foreignCreate(0, Technology::ThreeGpp, settingsOf("apn_name=found persistence_flag=0"));
+    settle();
+    find("apn=found").clear();
+    EXPECT_EQ(logged(kIgnoring), 2U) << "temporary, but not the library's";
+
+    Key changed = add("apn=changed", false);
+    settle();
+    change(3, "user_name=eve");
+    settle();
+    changed.reset();
+    EXPECT_EQ(logged(kIgnoring), 3U) << "read again, it is not the library's any more";
+
+    Key refused = add("apn=refused", false);
+    fault(Fault::Refuse);
+    refused.reset();
+    find("apn=refused").clear();
+    EXPECT_EQ(requests(RLINK_WDS_DELETE_PROFILE_REQ_V01), 1U) << "its count stayed as well";
+    expectCacheEqualsModem();
+}
+
+TEST_F(CacheTest, IndicationsLostAndRepeated) {
+    fault(Fault::LoseIndication, velasim::kAnyMessage, 1, 2);
+    add("apn=net user=bob");
+    reload();
+    EXPECT_THAT(pending(), ElementsAre("3GPP:1 Create", "3GPP:1 Modify"));
+    change(1, "user_name=eve");
+    settle();
+    EXPECT_THAT(pending(), ElementsAre("3GPP:1 Create"));
+    EXPECT_THAT(find("user=bob"), SizeIs(1)) << "taken for the library's own change";
+
+    store("apn_string_3gpp2=cdma");
+    store("apn_string_3gpp2=cdma");
+    reload();
+    fault(Fault::DuplicateIndication);
+    sim.foreignCreate(0, Technology::ThreeGpp, settingsOf("apn_name=twice"));
+    settle();
+    EXPECT_THAT(find("apn=twice"), SizeIs(2));
+    sim.foreignDelete(0, Technology::ThreeGpp, 2);
+    expectCacheEqualsModem();
+}
+
+TEST_F(CacheTest, EntriesThatCouldNotBeRead) {
+    const Key key = add("apn=net");
+    settle();
+    key->registerExpirationListener(counting());
+    fault(Fault::SendFailure, RLINK_WDS_GET_PROFILE_SETTINGS_REQ_V01, 1, 2);
+    change(1, "user_name=eve");
+    sim.foreignCreate(0, Technology::ThreeGpp, settingsOf("apn_name=two"));
+    settle();
+    EXPECT_THAT(cached(), ElementsAre("null", "null"));
+    EXPECT_THAT(find(""), IsEmpty());
+    EXPECT_EQ(logged("ProfileCache: null profile"), 2U);
+    EXPECT_EQ(read(key), "none");
+    EXPECT_FALSE(manager.match(FilterProfileParams(), key));
+    EXPECT_TRUE(modify("user=joe", key));
+    key->registerExpirationListener(counting());
+    EXPECT_TRUE(manager.deleteProfile(key));
+    EXPECT_THAT(cached(), ElementsAre("null"));
+    EXPECT_EQ(expirations, 1);
+    EXPECT_EQ(logged(kMissing), 0U);
+}
+
+// Rows: message that fails | which of them | entries | lists asked for | lines "null".
+TEST_F(CacheTest, RefreshTakesWhatCanBeRead) {
+    for (const char* line : {"apn_name=a", "apn_name=b", "apn_string_3gpp2=c"}) {
+        store(line);
+    }
+    for (const auto& row : rowsOf(R"(0 | 1 | 3 | 2 | 0;; 42 | 1 | 0 | 1 | 0;; 42 | 2 | 2 | 2 | 0;;
+                                     43 | 2 | 3 | 2 | 1;;)")) {
+        sim.journal().clear();
+        velasim::DiagLog::instance().clear();
+        fault(Fault::Refuse, static_cast<std::uint32_t>(std::stoul(row[0])),
+              static_cast<std::uint32_t>(std::stoul(row[1])));
+        reload();
+        sim.faults().clear();
+        EXPECT_THAT(cached(), SizeIs(std::stoul(row[2])));
+        EXPECT_EQ(requests(RLINK_WDS_GET_PROFILE_LIST_REQ_V01), std::stoul(row[3]));
+        EXPECT_EQ(logged("null"), std::stoul(row[4]));
+    }
+    EXPECT_EQ(sim.restore({}), "");
+    reload();
+    EXPECT_THAT(cached(), IsEmpty());
+}
+
+TEST_F(CacheTest, ARefreshUnderWayBlocksEverything) {
+    Key temporary = add("apn=temp", false);
+    const Key key = add("apn=net user=bob");
+    for (int i = 0; i < 2; ++i) {
+        manager.refresh(PDCRefreshStatus::RefreshStarted);
+        sim.journal().clear();
+        expectNothing(manager, key);
+        key->registerExpirationListener(counting());
+        temporary.reset();
+        EXPECT_EQ(requests(), 0U);
+    }
+    EXPECT_EQ(logged(kMissing), 0U) << "something reached the cache";
+    manager.refresh(static_cast<PDCRefreshStatus>(200));
+    EXPECT_EQ(expirations, 0);
+    EXPECT_EQ(profilesInModem(), 2U);
+    expectCacheEqualsModem();
+}
+
+TEST_F(CacheTest, ListenersOfLiveKeysAreCalledInOrder) {
+    const Key first = add("apn=net");
+    Key second = find("").front();
+    std::string calls;
+    first->registerExpirationListener([&calls] { calls += "1"; });
+    second->registerExpirationListener([&calls] { calls += "2"; });
+    first->registerExpirationListener([&calls] { calls += "3"; });
+    second.reset();
+    EXPECT_TRUE(manager.deleteProfile(first));
+    EXPECT_EQ(calls, "13");
+}
+
+}  // namespace
+}  // namespace vela
