@@ -29,8 +29,13 @@ endif()
 
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM AND NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
-    set(CMAKE_C_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
-    set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
+    # Build trees share what they compile alike; precompiled headers are cached, too.
+    find_program(ENV_PROGRAM env REQUIRED)
+    set(vela_launcher "${ENV_PROGRAM}" CCACHE_NOHASHDIR=true
+        CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+        "${CCACHE_PROGRAM}")
+    set(CMAKE_C_COMPILER_LAUNCHER "${vela_launcher}")
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${vela_launcher}")
 endif()
 
 find_package(Threads REQUIRED)
