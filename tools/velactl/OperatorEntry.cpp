@@ -4,11 +4,11 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <optional>
 #include <set>
 #include <string_view>
 
+#include "AttributeReader.h"
 #include "Limits.h"
 #include "Text.h"
 #include "Words.h"
@@ -22,28 +22,29 @@ using vela::ApnTypes;
 using vela::AuthType;
 using vela::IPType;
 
-constexpr std::array<std::string_view, 21> kUsed{
+constexpr std::array<std::string_view, 19> kUsed{
     "mcc",          "mnc",        "carrier",          "apn",
     "user",         "password",   "authtype",         "type",
     "protocol",     "profile_id", "roaming_protocol", "modem_cognitive",
     "max_conns",    "wait_time",  "max_conns_time",   "carrier_enabled",
-    "skip_464xlat", "mvno_type",  "mvno_match_data",  "user_visible",
-    "user_editable"};
-constexpr std::array<std::string_view, 15> kWithoutField{"server",
+    "skip_464xlat", "mvno_type",  "mvno_match_data"};
+constexpr std::array<std::string_view, 17> kWithoutField{"server",
                                                          "proxy",
                                                          "port",
                                                          "mmsproxy",
                                                          "mmsport",
                                                          "mmsc",
                                                          "mtu",
+                                                         "mtu_v4",
+                                                         "mtu_v6",
                                                          "apn_set_id",
                                                          "bearer",
                                                          "bearer_bitmask",
-                                                         "network_type_bitmask",
                                                          "carrier_id",
                                                          "always_on",
-                                                         "mtu_v4",
-                                                         "mtu_v6"};
+                                                         "user_visible",
+                                                         "user_editable",
+                                                         "network_type_bitmask"};
 constexpr std::array<std::string_view, 6> kTypesWithoutBit{"vsim", "bip",      "enterprise",
                                                            "rcs",  "oem_paid", "oem_private"};
 constexpr std::array<std::string_view, 4> kMvnoTypes{"spn", "imsi", "gid", "iccid"};
@@ -51,15 +52,14 @@ constexpr unsigned int kTypesOfAny = 0xFF;  // default to cbs
 
 template <std::size_t Count>
 bool contains(const std::array<std::string_view, Count>& words, std::string_view text) {
-    return std::any_of(words.begin(), words.end(),
-                       [text](std::string_view word) { return sameLetters(word, text); });
+    return std::find(words.begin(), words.end(), text) != words.end();
 }
 
 /** Reads one element's attributes into an entry, one concern at a time. */
-class Reader {
+class Reader : private AttributeReader {
   public:
     Reader(const Attributes& attributes, OperatorEntry& entry)
-        : attributes(attributes), entry(entry) {}
+        : AttributeReader(attributes, entry.notes), attributes(attributes), entry(entry) {}
 
     void read() {
         readNames();
@@ -74,55 +74,11 @@ class Reader {
     }
 
   private:
-    /** The first value of that name; empty when there is none. */
-    std::string_view text(std::string_view name) const {
-        const auto found = std::find_if(attributes.begin(), attributes.end(),
-                                        [name](const auto& item) { return item.first == name; });
-        return found == attributes.end() ? std::string_view() : found->second;
-    }
-
-    void note(std::string text) { entry.notes.push_back(std::move(text)); }
-
     /** The first reason counts. */
     void refuse(std::string reason) {
         if (entry.refusal.empty()) {
             entry.refusal = std::move(reason);
         }
-    }
-
-    /** An attribute as text for messages: authtype "7" */
-    std::string cite(std::string_view name) const {
-        return std::string(name) + ' ' + inQuotes(text(name));
-    }
-
-    /** A number, or a note that the attribute is none; empty also without the attribute. */
-    std::optional<long> number(std::string_view name, long least, long most) {
-        const std::string_view digits = trim(text(name));
-        long value = 0;
-        const auto [end, error] =
-            std::from_chars(digits.data(), digits.data() + digits.size(), value);
-        if (digits.empty()) {
-            return std::nullopt;
-        }
-        if (error != std::errc() || end != digits.data() + digits.size() || value < least ||
-            value > most) {
-            note(cite(name) + " left out: not a number from " + std::to_string(least) + " to " +
-                 std::to_string(most));
-            return std::nullopt;
-        }
-        return value;
-    }
-
-    /** Only the word "true" counts. */
-    bool flag(std::string_view name, bool ifAbsent) {
-        const std::string_view value = trim(text(name));
-        if (value.empty()) {
-            return ifAbsent;
-        }
-        if (!sameLetters(value, "true") && !sameLetters(value, "false")) {
-            note(cite(name) + " taken as false");
-        }
-        return sameLetters(value, "true");
     }
 
     void readNames() {
@@ -171,7 +127,7 @@ class Reader {
             }
             return;
         }
-        if (!contains(kMvnoTypes, type)) {
+        if (!contains(kMvnoTypes, toLower(type))) {
             note("unknown mvno_type " + inQuotes(type));
         }
         if (data.empty()) {
@@ -213,7 +169,7 @@ class Reader {
                 mask |= toMask(*type);
             } else if (!name.empty()) {
                 lost.push_back(printable(name));
-                note(contains(kTypesWithoutBit, name)
+                note(contains(kTypesWithoutBit, toLower(name))
                          ? "type " + lost.back() + " left out: a profile has no bit for it"
                          : "unknown type " + inQuotes(name) + " left out");
             }

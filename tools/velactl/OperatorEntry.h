@@ -7,13 +7,11 @@
 #include <cstddef>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
-namespace velactl {
+#include "AttributeReader.h"
 
-/** Names and values of an element's attributes, in the file's order. */
-using Attributes = std::vector<std::pair<std::string, std::string>>;
+namespace velactl {
 
 /**
  * One `apn` element of an operator's file, in the library's words. Nothing of it gets lost: what

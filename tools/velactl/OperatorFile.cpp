@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -126,25 +127,29 @@ std::string titleOf(const Operator& candidate) {
     return candidate.plmn.text() + " (" + printable(candidate.carrier()) + ')';
 }
 
-std::string nearOperators(const std::vector<Operator>& operators, const Plmn& plmn) {
+/** How far an MNC is from the one that was asked for; one that goes on with its digits is near. */
+int distance(const std::string& mnc, const std::string& wanted) {
+    const bool goesOn = mnc.compare(0, wanted.size(), wanted) == 0;
+    return goesOn ? 0 : 1 + std::abs(std::stoi(mnc) - std::stoi(wanted));
+}
+
+std::string nearOperators(std::vector<Operator> operators, const Plmn& plmn) {
+    std::erase_if(operators, [](const Operator& each) { return !each.mvnoType.empty(); });
+    const std::string holds = "it holds " + counted(operators.size(), "operator");
+    std::erase_if(operators, [&](const Operator& each) { return each.plmn.mcc != plmn.mcc; });
+    std::stable_sort(operators.begin(), operators.end(), [&](const auto& left, const auto& right) {
+        return distance(left.plmn.mnc, plmn.mnc) < distance(right.plmn.mnc, plmn.mnc);
+    });
     std::vector<std::string> near;
-    std::size_t hosts = 0;
-    for (const Operator& candidate : operators) {
-        if (!candidate.mvnoType.empty()) {
-            continue;
+    for (const Operator& each : operators) {
+        if (each.plmn.mnc == otherMncForm(plmn.mnc)) {
+            return "it has " + titleOf(each) + ", whose MNC is written with " +
+                   std::to_string(each.plmn.mnc.size()) + " digits";
         }
-        ++hosts;
-        if (candidate.plmn == Plmn{plmn.mcc, otherMncForm(plmn.mnc)}) {
-            return "it has " + titleOf(candidate) + ", whose MNC is written with " +
-                   std::to_string(candidate.plmn.mnc.size()) + " digits";
-        }
-        if (candidate.plmn.mcc == plmn.mcc) {
-            near.push_back(titleOf(candidate));
-        }
+        near.push_back(titleOf(each));
     }
-    return "it holds " + counted(hosts, "operator") +
-           (near.empty() ? ", none of MCC " + plmn.mcc
-                         : ", of MCC " + plmn.mcc + ": " + someOf(near));
+    return holds + (near.empty() ? ", none of MCC " + plmn.mcc
+                                 : ", of MCC " + plmn.mcc + ": " + someOf(near));
 }
 
 std::string nearMvnos(const std::vector<Operator>& operators, const Plmn& plmn) {

@@ -82,9 +82,11 @@ ProvisionResult Provisioner::run(const Operator& candidate, bool showSecrets) {
     result.before = bench.modemProfiles();
     chooseOwners(candidate);
     setClasses();
-    result.attach = provideAttach(attachEntry(candidate.entries));
+    const OperatorEntry* attach = attachEntry(candidate.entries);
+    result.attach = provideAttach(attach);
     addMissing(candidate);
     distributeTypes(candidate);
+    keepAttach(attach, candidate);
     collectTraffic();
     result.after = bench.modemProfiles();
     result.changes = changesBetween(result.before, result.after, showSecrets);
@@ -124,26 +126,40 @@ void Provisioner::setClasses() {
     }
 }
 
+int Provisioner::servingAttach(const OperatorEntry& entry) {
+    for (const auto& key : bench.manager().filter(named(entry.params.getApnName()))) {
+        if (policies.matchLteAttachProfileId(key->getProfileId(), entry.params)) {
+            return key->getProfileId();
+        }
+    }
+    return 0;
+}
+
 std::string Provisioner::provideAttach(const OperatorEntry* entry) {
     if (entry == nullptr) {
         return "no entry of type ia or default: left as it is";
     }
-    for (const auto& key : bench.manager().filter(named(entry->params.getApnName()))) {
-        if (policies.matchLteAttachProfileId(key->getProfileId(), entry->params)) {
-            return profileText(key->getProfileId()) + " can serve it already";
-        }
+    if (const int index = servingAttach(*entry); index != 0) {
+        return profileText(index) + " can serve it already";
     }
     const auto key = policies.findOrCreateProfileForLteAttach(entry->params);
     if (!key) {
         return "no profile for it: " + collectTraffic();
     }
-    if (existed(key->getProfileId())) {
-        return profileText(key->getProfileId()) + " found for it, settings of line " +
-               std::to_string(entry->line);
+    const bool isFound = existed(key->getProfileId());
+    if (!isFound) {
+        made[key->getProfileId()] = entry;
     }
-    made[key->getProfileId()] = entry;
-    return profileText(key->getProfileId()) + " created for it, settings of line " +
-           std::to_string(entry->line);
+    return profileText(key->getProfileId()) + (isFound ? " found" : " created") +
+           " for it, settings of line " + std::to_string(entry->line);
+}
+
+void Provisioner::keepAttach(const OperatorEntry* entry, const Operator& candidate) {
+    constexpr int kTries = 2;
+    for (int i = 0; i < kTries && entry != nullptr && servingAttach(*entry) == 0; ++i) {
+        result.attach = provideAttach(entry);
+        distributeTypes(candidate);
+    }
 }
 
 void Provisioner::addMissing(const Operator& candidate) {

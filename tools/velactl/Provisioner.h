@@ -63,6 +63,11 @@ class Provisioner {
     void chooseOwners(const Operator& candidate);
     void setClasses();
     std::string provideAttach(const OperatorEntry* entry);
+    /** Of a profile that somebody else made with an odd mix of IP types, any change can change how
+     * it roams, and with that whether it serves the attach. */
+    void keepAttach(const OperatorEntry* entry, const Operator& candidate);
+    /** The profile that serves the attach as it is; 0: none. */
+    int servingAttach(const OperatorEntry& entry);
     void addMissing(const Operator& candidate);
     void distributeTypes(const Operator& candidate);
 

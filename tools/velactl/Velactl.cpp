@@ -49,6 +49,9 @@ std::string usage(const CLI::App& app, const CLI::ParseError& error) {
         return wrongVerb(app);
     }
     std::string text = error.what();
+    if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr) {
+        text += ", which must be a whole number";
+    }
     std::replace(text.begin(), text.end(), '\n', ' ');
     const std::string verb = chosen.empty() ? "" : chosen.front()->get_name() + ' ';
     return printable(trim(text)) + "; see velactl " + verb + "--help";
@@ -62,7 +65,7 @@ Command* parse(CLI::App& app, std::vector<std::string> arguments, const CommandL
         app.parse(std::move(arguments));
     } catch (const CLI::CallForHelp&) {
         const auto chosen = app.get_subcommands();
-        out << (chosen.empty() ? app.help() : chosen.front()->help());
+        out << (chosen.empty() ? app.help() : chosen.front()->help("velactl"));
         return nullptr;
     } catch (const CLI::ParseError& error) {
         throw badUsage(usage(app, error));
@@ -79,6 +82,10 @@ Exit runVerb(const std::vector<std::string>& arguments, const Streams& streams) 
     app.require_subcommand(1);
     app.fallthrough();
     app.get_formatter()->column_width(28);
+    app.footer(
+        "The options above may stand before or after the subcommand. Exit status: 0 done, 1 "
+        "refused or "
+        "not found, 2 bad usage.");
     addGlobalOptions(app, options);
     const auto commands = makeCommands();
     for (const auto& command : commands) {
