@@ -1,0 +1,24 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace coherence {
+
+/** Many random runs. */
+struct Campaign {
+    std::uint64_t seeds = 500;
+    std::uint64_t first = 1;
+    std::uint64_t steps = 200;
+
+    /** Prints the figures, or the failure: what, how to replay it, and the shortest run found that
+     * shows it. True: all seeds passed. */
+    bool run() const;
+
+    /** One seed; empty: it passed. */
+    std::string failureOf(std::uint64_t seed) const;
+};
+
+}  // namespace coherence

@@ -1,0 +1,420 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#include "Driver.h"
+
+#include <algorithm>
+#include <iterator>
+#include <type_traits>
+#include <utility>
+
+namespace coherence {
+
+namespace {
+
+using Kind = Operation::Kind;
+using velasim::JournalKind;
+using velasim::Technology;
+
+constexpr unsigned kCapacity = 6;
+constexpr int kRoundTrips = 3;
+const std::vector<std::uint8_t> kSaysNothing{0x7F, 0, 0};
+
+velasim::SimulatorOptions optionsFor(std::uint64_t seed) {
+    velasim::SimulatorOptions options;
+    options.instances = 1;
+    options.capacity = kCapacity;
+    options.delivery = velasim::DeliveryMode::Stepped;
+    options.seed = seed;
+    return options;
+}
+
+std::string text(bool value) {
+    return value ? "true" : "false";
+}
+
+std::string text(int value) {
+    return std::to_string(value);
+}
+
+std::string text(const std::optional<vela::ProfileParams>& params) {
+    return params ? params->dump() : "nothing";
+}
+
+std::string text(const std::vector<std::uint64_t>& tokens) {
+    std::string line;
+    for (const auto token : tokens) {
+        line += std::to_string(token) + " ";
+    }
+    return line;
+}
+
+/** What a step came to, if it comes to anything. */
+template <typename Step>
+std::string resultOf(Step step) {
+    if constexpr (std::is_void_v<decltype(step())>) {
+        step();
+        return {};
+    } else {
+        return text(step());
+    }
+}
+
+void expectEqual(const std::string& what, const std::string& promised, const std::string& found) {
+    if (promised != found) {
+        throw Mismatch(what + "\n  promised: " + promised + "\n  found:    " + found);
+    }
+}
+
+std::uint64_t tokenOf(const vela::IProfileKey& key) {
+    const auto line = key.dump();
+    return std::stoull(line.substr(line.rfind('=') + 1));
+}
+
+}  // namespace
+
+Driver::Driver(std::uint64_t seed, bool keepJournal)
+    : keepJournal(keepJournal), simulator(optionsFor(seed)), model(kCapacity) {}
+
+Driver::~Driver() = default;
+
+Outcome Driver::run(const std::vector<Operation>& operations) {
+    try {
+        start();
+        for (; outcome.step < operations.size(); ++outcome.step) {
+            perform(operations[outcome.step]);
+            check();
+        }
+        heal();
+    } catch (const Mismatch& mismatch) {
+        outcome.failure = mismatch.what();
+    }
+    return std::move(outcome);
+}
+
+/** Some provisioned profiles, and a first key that tells where tokens start. */
+void Driver::start() {
+    for (const auto technology : {Technology::ThreeGpp, Technology::ThreeGpp2}) {
+        const auto index = simulator.storeProfile(0, technology, {});
+        model.provision({technology, index.value_or(0)}, {});
+    }
+    perform(Kind::Init);
+    deliverAll();
+    perform({Kind::Add, 0, 0, 1, {}});
+    if (!keys[0]) {
+        throw Mismatch("the first profile could not be added");
+    }
+    firstToken = tokenOf(*keys[0]) - model.tokenOf(0).value_or(0);
+    perform(Kind::Delete);
+    perform(Kind::DeliverAll);
+    check();
+}
+
+void Driver::perform(const Operation& operation) {
+    if (operation.kind < Kind::ForeignCreate) {
+        performForClient(operation);
+    } else {
+        performForModem(operation);
+    }
+}
+
+void Driver::performForClient(const Operation& operation) {
+    const auto slot = operation.slot;
+    switch (operation.kind) {
+        case Kind::Add:
+            return add(slot, operation.addParams());
+        case Kind::Filter:
+            return fill(operation.filter());
+        case Kind::Listen:
+            return listen(slot, operation.other);
+        case Kind::RefreshStart:
+            return act([&] { manager.refresh(vela::PDCRefreshStatus::RefreshStarted); },
+                       [&] { model.refresh(true); });
+        case Kind::RefreshEnd:
+            return act([&] { manager.refresh(vela::PDCRefreshStatus::RefreshCompleted); },
+                       [&] { model.refresh(false); });
+        case Kind::Init:
+            return act([&] { manager.init(0, false); }, [&] { model.init(); });
+        case Kind::Drop:
+            return drop(slot);
+        default:
+            return performOnKey(operation);
+    }
+}
+
+/** Holds the key meanwhile, so that it is not left to chance who drops it last when a listener
+ * drops it, too. */
+void Driver::performOnKey(const Operation& operation) {
+    const auto slot = operation.slot;
+    auto key = keys[slot];
+    model.use(slot);
+    if (operation.kind == Kind::Modify) {
+        const vela::ModifyProfileParams params(operation.params());
+        act([&] { return manager.modifyProfile(params, key); },
+            [&] { return model.modify(slot, params); });
+    } else if (operation.kind == Kind::Delete) {
+        act([&] { return manager.deleteProfile(key); }, [&] { return model.remove(slot); });
+    } else {
+        act([&] { return manager.match(operation.filter(), key); },
+            [&] { return model.match(slot, operation.filter()); });
+    }
+    act([&] { key.reset(); }, [&] { model.endUse(); });
+}
+
+void Driver::add(unsigned slot, const vela::AddProfileParams& params) {
+    drop(slot);
+    Key added;
+    act(
+        [&] {
+            added = manager.addProfile(params);
+            return added != nullptr;
+        },
+        [&] { return model.add(slot, params); });
+    keys[slot] = std::move(added);
+}
+
+void Driver::performForModem(const Operation& operation) {
+    const auto id = operation.id();
+    const auto settings = operation.settings();
+    switch (operation.kind) {
+        case Kind::ForeignCreate:
+            return act(
+                [&] { return simulator.foreignCreate(0, id.technology, settings).value_or(0); },
+                [&] { return model.foreignCreate(id.technology, settings); });
+        case Kind::ForeignModify:
+            return act(
+                [&] { return simulator.foreignModify(0, id.technology, id.index, settings); },
+                [&] { return model.foreignModify(id, settings); });
+        case Kind::ForeignDelete:
+            return act([&] { return simulator.foreignDelete(0, id.technology, id.index); },
+                       [&] { return model.foreignDelete(id); });
+        case Kind::SubscriptionChange:
+            return act([&] { simulator.subscriptionChange(0); }, [] {});
+        case Kind::ProfileReady:
+            return act([&] { simulator.profileReady(0); }, [] {});
+        case Kind::ServiceDown:
+            return act([&] { simulator.serviceDown(); }, [&] { model.serviceDown(); });
+        case Kind::ServiceUp:
+            return act([&] { simulator.serviceUp(); }, [&] { model.serviceUp(); });
+        case Kind::Restart:
+            return act([&] { simulator.restart(); }, [&] { model.restart(); });
+        case Kind::ReleaseDelayed:
+            return act([&] { simulator.releaseDelayed(); }, [&] { model.delayedReleased(); });
+        case Kind::Inject: {
+            const auto bytes = operation.bytes();
+            return act([&] { simulator.injectIndication(bytes, operation.messageId()); }, [] {});
+        }
+        case Kind::SetFault:
+            simulator.faults().add(operation.rule());
+            return;
+        case Kind::ClearFaults:
+            return simulator.faults().clear();
+        case Kind::DeliverOne:
+            return deliver();
+        default:
+            return deliverAll();
+    }
+}
+
+void Driver::fill(const vela::FilterProfileParams& params) {
+    std::vector<std::pair<std::uint64_t, Key>> found;
+    act(
+        [&] {
+            for (auto& key : manager.filter(params)) {
+                found.emplace_back(tokenOf(*key) - firstToken, std::move(key));
+            }
+            std::sort(found.begin(), found.end());
+            std::vector<std::uint64_t> tokens;
+            std::transform(found.begin(), found.end(), std::back_inserter(tokens),
+                           [](const auto& item) { return item.first; });
+            return tokens;
+        },
+        [&] { return model.filter(params); });
+    for (auto& [token, key] : found) {
+        const auto free = std::find(keys.begin(), keys.end(), nullptr);
+        if (free != keys.end()) {
+            *free = std::move(key);
+        } else {
+            act([&key = key] { key.reset(); }, [this, token = token] { model.dropToken(token); });
+        }
+    }
+}
+
+void Driver::listen(unsigned slot, unsigned victim) {
+    const int number = ++nextListener;
+    const auto listener = [this, number, victim] {
+        calls.push_back(number);
+        if (manager.getProfile(keys[victim])) {
+            calls.push_back(-number);  // nothing may be answered here
+        }
+        const auto dropped = std::move(keys[victim]);
+    };
+    if (keys[slot]) {
+        act([&] { keys[slot]->registerExpirationListener(listener); },
+            [&] { model.listen(slot, number, victim); });
+    }
+}
+
+void Driver::drop(unsigned slot) {
+    act([&] { const auto dropped = std::move(keys[slot]); }, [&] { model.drop(slot); });
+}
+
+void Driver::deliver() {
+    act([&] { simulator.deliverNext(); }, [&] { model.deliver(); });
+    checkCache();
+}
+
+void Driver::deliverAll() {
+    while (simulator.pendingDeliveries() != 0) {
+        deliver();
+    }
+}
+
+/** Without faults, a reload makes the cache the modem's table, whatever happened before. */
+void Driver::heal() {
+    simulator.faults().clear();
+    perform(Kind::ServiceUp);
+    perform(Kind::ReleaseDelayed);
+    deliverAll();
+    if (!model.isSubscribed()) {
+        perform(Kind::Init);
+        deliverAll();
+    }
+    check();
+    while (!model.hasHandledAll()) {  // each that cannot be decoded keeps those behind it waiting
+        act([&] { simulator.injectIndication(kSaysNothing); }, [] {});
+        deliverAll();
+        check();
+    }
+    perform(Kind::RefreshEnd);
+    check();
+    if (!model.isHealed()) {
+        throw Mismatch("a reload did not heal everything");
+    }
+    for (unsigned slot = 0; slot < Model::kSlots; ++slot) {
+        drop(slot);
+    }
+    check();
+}
+
+// ---- Comparing
+
+/** Does something, lets the worker come to rest, and compares with what the model says of it. */
+template <typename Real, typename Predicted>
+void Driver::act(Real real, Predicted predicted) {
+    const std::string found = resultOf(real);
+    awaitRest();
+    const auto entries = simulator.journal().snapshot();
+    for (const auto& entry : entries) {
+        outcome.faults += entry.kind == JournalKind::FaultInjected ? 1 : 0;
+        if (keepJournal) {
+            outcome.journal += entry.line() + "\n";
+        }
+    }
+    simulator.journal().clear();
+    model.witness(entries, std::exchange(calls, {}));
+    expectEqual("result", resultOf(predicted), found);
+    model.finish();
+}
+
+/** The worker has handled all that it was told of when it has answered a few times and nothing
+ * happened meanwhile. */
+void Driver::awaitRest() {
+    std::size_t before = 0;
+    std::size_t now = 0;
+    do {
+        before = now;
+        for (int i = 0; i < kRoundTrips; ++i) {
+            manager.getProfile(nullptr);
+        }
+        now = simulator.journal().snapshot().size();
+    } while (now != before);
+}
+
+void Driver::check() {
+    checkCache();
+    checkKeys();
+    checkTable();
+    if (simulator.pendingDeliveries() == 0) {
+        model.settle();
+        outcome.compared += static_cast<std::uint64_t>(model.compareWithModem());
+    }
+}
+
+void Driver::checkCache() {
+    auto lines = manager.dump();
+    lines.erase(std::find(lines.begin(), lines.end(), ""), lines.end());
+    const auto end = std::find(lines.begin(), lines.end(), "Pending:");
+    std::vector<std::uint64_t> order;
+    for (auto line = lines.begin() + 1; line < end; ++line) {
+        order.push_back(std::stoull(*line) - firstToken);
+    }
+    std::sort(lines.begin() + 1, end, [](const auto& left, const auto& right) {
+        return std::stoull(left) < std::stoull(right);
+    });
+    const auto promised = model.dump(firstToken);
+    for (std::size_t i = 0; i < std::max(lines.size(), promised.size()); ++i) {
+        expectEqual("cache", i < promised.size() ? promised[i] : "nothing",
+                    i < lines.size() ? lines[i] : "nothing");
+    }
+    model.noteMapOrder(std::move(order));
+}
+
+void Driver::checkKeys() {
+    for (unsigned slot = 0; slot < Model::kSlots; ++slot) {
+        expectEqual("life of key" + std::to_string(slot), text(model.isLive(slot)),
+                    text(keys[slot] != nullptr));
+        if (keys[slot]) {
+            expectEqual("key" + std::to_string(slot), text(model.get(slot)),
+                        text(manager.getProfile(keys[slot])));
+        }
+    }
+}
+
+void Driver::checkTable() {
+    auto promised = model.table();
+    for (const auto technology : {Technology::ThreeGpp, Technology::ThreeGpp2}) {
+        for (const auto& [index, settings] : simulator.profiles(0, technology)) {
+            const auto found = promised.find({technology, index});
+            if (found == promised.end() ||
+                !velasim::sameSettings(found->second, settings, technology)) {
+                throw Mismatch("the modem should not have " + toString(technology) + ":" +
+                               std::to_string(index) + " " +
+                               velasim::describe(settings, technology));
+            }
+            promised.erase(found);
+        }
+    }
+    if (!promised.empty()) {
+        throw Mismatch("the modem should have " + promised.begin()->first.text());
+    }
+}
+
+// ---- Shrinking
+
+std::vector<Operation> shrink(std::uint64_t seed, std::vector<Operation> operations) {
+    const auto fails = [&](const std::vector<Operation>& candidate) {
+        return !Driver(seed).run(candidate).failure.empty();
+    };
+    operations.resize(std::min(operations.size(), Driver(seed).run(operations).step + 1));
+    for (std::size_t chunk = operations.size() / 2; chunk > 0;) {
+        bool isShorter = false;
+        for (std::size_t from = 0; from < operations.size();) {
+            auto candidate = operations;
+            const auto begin = candidate.begin() + static_cast<std::ptrdiff_t>(from);
+            const auto length = std::min(chunk, operations.size() - from);
+            candidate.erase(begin, begin + static_cast<std::ptrdiff_t>(length));
+            if (fails(candidate)) {
+                operations = std::move(candidate);
+                isShorter = true;
+            } else {
+                from += chunk;
+            }
+        }
+        if (!isShorter) {
+            chunk /= 2;
+        }
+    }
+    return operations;
+}
+
+}  // namespace coherence

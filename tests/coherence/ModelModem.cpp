@@ -1,0 +1,236 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#include "ModelModem.h"
+
+#include <wds_service_v01.h>
+
+#include <algorithm>
+
+namespace coherence {
+
+namespace {
+
+using velasim::Fault;
+using velasim::FaultPoint;
+using velasim::JournalEntry;
+using velasim::JournalKind;
+using velasim::Technology;
+
+constexpr std::uint32_t kSubscription[] = {RLINK_WDS_BIND_SUBSCRIPTION_REQ_V01,
+                                           RLINK_WDS_INDICATION_REGISTER_REQ_V01,
+                                           RLINK_WDS_CONFIGURE_PROFILE_EVENT_LIST_REQ_V01};
+
+std::optional<wds_profile_changed_ind_msg_v01> decode(const Arrival& arrival) {
+    wds_profile_changed_ind_msg_v01 message{};
+    // Decoding needs no particular client.
+    auto* client = reinterpret_cast<rlink_client_type>(1);
+    const int result = rlink_client_message_decode(
+        client, RLINK_MESSAGE_INDICATION, arrival.messageId, arrival.bytes.data(),
+        static_cast<unsigned>(arrival.bytes.size()), &message, sizeof message);
+    return result == RLINK_NO_ERROR ? std::optional(message) : std::nullopt;
+}
+
+bool contains(const std::set<Fault>& faults, std::initializer_list<Fault> any) {
+    return std::any_of(any.begin(), any.end(),
+                       [&](Fault fault) { return faults.count(fault) != 0; });
+}
+
+}  // namespace
+
+std::string Arrival::Change::text() const {
+    constexpr const char* kTexts[] = {"Create", "Delete", "Modify", "SubscriptionChange",
+                                      "ProfileReady"};
+    return id.text() + " " + kTexts[static_cast<int>(event)];
+}
+
+bool Arrival::isDecodable() const {
+    return decode(*this).has_value();
+}
+
+std::optional<Arrival::Change> Arrival::change() const {
+    const auto message = decode(*this);
+    if (!message || message->profile_changed_valid == 0) {
+        return std::nullopt;
+    }
+    const auto& told = message->profile_changed;
+    const auto event = static_cast<std::int64_t>(told.change_event);
+    return Change{{told.profile_type == WDS_PROFILE_TYPE_3GPP2_V01 ? Technology::ThreeGpp2
+                                                                   : Technology::ThreeGpp,
+                   told.profile_index},
+                  event >= 1 && event <= 4 ? static_cast<Event>(event - 1) : Event::ProfileReady};
+}
+
+void ModelModem::witness(const std::vector<JournalEntry>& entries) {
+    trace.assign(entries.begin(), entries.end());
+}
+
+void ModelModem::finish() {
+    if (const auto* entry = next()) {
+        throw Mismatch("not expected: " + entry->line());
+    }
+}
+
+/** The next entry that has to be predicted; takes note of the others. */
+const JournalEntry* ModelModem::next() {
+    for (; !trace.empty(); trace.pop_front()) {
+        const auto& entry = trace.front();
+        if (entry.kind == JournalKind::Request || entry.kind == JournalKind::Response ||
+            (entry.fault && pointOf(*entry.fault) != FaultPoint::Indication)) {
+            return &entry;
+        }
+        observe(entry);
+    }
+    return nullptr;
+}
+
+void ModelModem::observe(const JournalEntry& entry) {
+    const ProfileId about{entry.technology.value_or(Technology::ThreeGpp), entry.index};
+    if (entry.fault) {
+        exceptions.onIndicationFault(about, *entry.fault);
+    }
+    if (entry.kind != JournalKind::IndicationDelivered) {
+        return;
+    }
+    arrivals.push_back({entry.messageId, entry.bytes});
+    isSignalled = true;
+    const auto change = arrivals.back().change();
+    if (change && change->id != about) {  // it names another profile than the one that changed
+        exceptions.onIndicationFault(change->id, Fault::CorruptIndication);
+    }
+}
+
+bool ModelModem::struck(Fault fault) {
+    const auto* entry = next();
+    if (entry == nullptr || entry->fault != fault) {
+        return false;
+    }
+    trace.pop_front();
+    return true;
+}
+
+void ModelModem::expect(JournalKind kind, std::uint32_t messageId, std::optional<ProfileId> id) {
+    const auto* entry = next();
+    if (entry == nullptr || entry->kind != kind || entry->messageId != messageId ||
+        (id && (entry->technology != id->technology || entry->index != id->index))) {
+        throw Mismatch("expected " + toString(kind) + " \"" + velasim::messageName(messageId) +
+                       "\" " + (id ? id->text() : "") +
+                       ", not: " + (entry == nullptr ? "nothing" : entry->line()));
+    }
+}
+
+ModelModem::Reply ModelModem::request(std::uint32_t messageId, std::optional<ProfileId> id,
+                                      bool isValid, const std::function<void()>& effect) {
+    Reply reply;
+    if (!hasClient) {
+        return reply;  // nothing leaves the library
+    }
+    expect(JournalKind::Request, messageId, id);
+    trace.pop_front();
+    const auto takeFaults = [&] {
+        for (const auto* entry = next(); entry != nullptr && entry->fault; entry = next()) {
+            reply.faults.insert(*entry->fault);
+            trace.pop_front();
+        }
+    };
+    takeFaults();
+    expect(JournalKind::Response, messageId, std::nullopt);
+    const bool wasAccepted =
+        trace.front().result == RLINK_NO_ERROR && trace.front().error == velasim::ModemError::None;
+    trace.pop_front();
+    takeFaults();
+
+    reply.hasEffect =
+        isConnected && isValid &&
+        !contains(reply.faults, {Fault::SendFailure, Fault::Timeout, Fault::RestartBeforeEffect,
+                                 Fault::Refuse, Fault::TableFull});
+    reply.isSuccess = reply.hasEffect && !contains(reply.faults, {Fault::RestartAfterEffect,
+                                                                  Fault::TimeoutAfterEffect});
+    const bool restarts = contains(
+        reply.faults,
+        {Fault::RestartBeforeEffect, Fault::RestartAfterEffect, Fault::RestartAfterResponse});
+    reply.isAnnounced = reply.hasEffect && isSubscribed() && !restarts;
+    if (wasAccepted != reply.isSuccess) {
+        throw Mismatch("the modem should" + std::string(reply.isSuccess ? "" : " not") +
+                       " have accepted \"" + velasim::messageName(messageId) + "\"");
+    }
+    if (reply.hasEffect) {
+        effect();
+    }
+    if (restarts) {
+        powerCycle();
+    }
+    return reply;
+}
+
+void ModelModem::startNotifier() {
+    hasNotifier = !struck(Fault::NotifierInitFailure);
+}
+
+void ModelModem::onNotify(std::int32_t event) {
+    if (!hasNotifier) {
+        throw Mismatch("the library should not have a notifier");
+    }
+    if (event != RLINK_SERVICE_AVAILABLE || !isUp || struck(Fault::NoServiceInstance)) {
+        return;
+    }
+    hasNotifier = false;
+    if (hasClient || struck(Fault::ClientInitFailure)) {
+        return;
+    }
+    hasClient = isConnected = true;
+    struck(Fault::ErrorCallbackFailure);  // the library will not learn when this client dies
+    for (const auto messageId : kSubscription) {
+        request(messageId, std::nullopt, true, [&] { subscriptions.insert(messageId); });
+    }
+}
+
+void ModelModem::onError() {
+    abandonClient();
+    startNotifier();
+}
+
+void ModelModem::abandonClient() {
+    hasClient = isConnected = false;
+    subscriptions.clear();
+}
+
+bool ModelModem::isSubscribed() const {
+    return isConnected && subscriptions.size() == std::size(kSubscription);
+}
+
+int ModelModem::freeIndex(Technology technology) const {
+    for (int index = 1; index <= static_cast<int>(capacity); ++index) {
+        if (table.count({technology, index}) == 0) {
+            return index;
+        }
+    }
+    return 0;
+}
+
+void ModelModem::store(ProfileId id, const velasim::Settings& settings) {
+    auto& stored = table[id];
+    if (stored.persistence_flag_valid == 0) {
+        stored.persistence_flag_valid = stored.persistence_flag = 1;
+    }
+    merge(settings, id.technology, stored);
+}
+
+void ModelModem::serviceDown() {
+    isUp = isConnected = false;
+    subscriptions.clear();
+    exceptions.onDisconnect();
+}
+
+void ModelModem::powerCycle() {
+    serviceDown();
+    std::erase_if(table, [&](const auto& item) {
+        const bool isVolatile = item.second.persistence_flag == 0;
+        if (isVolatile) {
+            exceptions.add(item.first, kForgotten);
+        }
+        return isVolatile;
+    });
+    isUp = true;
+}
+
+}  // namespace coherence

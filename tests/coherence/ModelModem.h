@@ -1,0 +1,116 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <velasim/JournalEntry.h>
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "Exceptions.h"
+#include "Image.h"
+
+namespace coherence {
+
+/** What happened is not what was promised. */
+class Mismatch : public std::runtime_error {
+  public:
+    using runtime_error::runtime_error;
+};
+
+/** The library's numbers for what an indication says has happened. */
+enum class Event { Create, Delete, Modify, SubscriptionChange, ProfileReady };
+
+/** An indication as it arrives at the library. */
+struct Arrival {
+    std::uint32_t messageId = 0;
+    std::vector<std::uint8_t> bytes;
+
+    struct Change {
+        ProfileId id;
+        Event event = Event::Create;
+
+        bool operator==(const Change&) const = default;
+        std::string text() const;
+    };
+
+    bool isDecodable() const;
+    /** Empty when it says nothing. */
+    std::optional<Change> change() const;
+};
+
+/**
+ * The far side of the boundary as it should be: the modem's table, and the library's connection to
+ * it. Takes from the journal which faults struck and what was indicated, and predicts the rest:
+ * which requests the library sends, what they do and how they end.
+ */
+class ModelModem {
+  public:
+    struct Reply {
+        bool isSuccess = false;    // as the library is told
+        bool hasEffect = false;    // on the modem
+        bool isAnnounced = false;  // by indications
+        std::set<velasim::Fault> faults;
+    };
+
+    ModelModem(unsigned capacity, Exceptions& exceptions)
+        : capacity(capacity), exceptions(exceptions) {}
+
+    /** The journal of what is to be predicted next. */
+    void witness(const std::vector<velasim::JournalEntry>& entries);
+    /** Takes note of what happened before the next thing that has to be predicted. */
+    void lookAhead() { next(); }
+    /** Fails when the journal tells of something that was not predicted. */
+    void finish();
+
+    // ---- the library's side
+
+    /** A request that the library must have sent, if it has a client. The modem can carry it out
+     * if `isValid`; `effect` happens if it does. */
+    Reply request(std::uint32_t messageId, std::optional<ProfileId> id, bool isValid,
+                  const std::function<void()>& effect);
+    void startNotifier();
+    void onNotify(std::int32_t event);
+    void onError();
+    void abandonClient();
+
+    /** Whether indications reach the library. */
+    bool isSubscribed() const;
+
+    // ---- someone else's
+
+    int freeIndex(velasim::Technology technology) const;  // 0: none
+    void store(ProfileId id, const velasim::Settings& settings);
+    void serviceDown();
+    void serviceUp() { isUp = true; }
+    void powerCycle();
+
+    std::map<ProfileId, velasim::Settings> table;
+    std::deque<Arrival> arrivals;  // what the library has not handled yet
+    bool isSignalled = false;      // that there are some
+
+  private:
+    const velasim::JournalEntry* next();
+    void observe(const velasim::JournalEntry& entry);
+    bool struck(velasim::Fault fault);
+    void expect(velasim::JournalKind kind, std::uint32_t messageId, std::optional<ProfileId> id);
+
+    const unsigned capacity;
+    Exceptions& exceptions;
+    std::deque<velasim::JournalEntry> trace;
+
+    bool isUp = true;
+    bool hasNotifier = false;
+    bool hasClient = false;
+    bool isConnected = false;               // the client is not dead
+    std::set<std::uint32_t> subscriptions;  // what the modem has granted to the client
+};
+
+}  // namespace coherence

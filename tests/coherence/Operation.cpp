@@ -1,0 +1,268 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#include "Operation.h"
+
+#include <velasim/Random.h>
+#include <wds_service_v01.h>
+
+#include <numeric>
+
+#include "Model.h"
+
+namespace coherence {
+
+namespace {
+
+using Kind = Operation::Kind;
+using velasim::Random;
+using velasim::Technology;
+
+struct KindInfo {
+    Kind kind;
+    const char* name;
+    unsigned weight;
+};
+
+constexpr KindInfo kKinds[] = {
+    {Kind::Add, "add", 90},
+    {Kind::Modify, "modify", 70},
+    {Kind::Delete, "delete", 50},
+    {Kind::Filter, "filter", 70},
+    {Kind::Match, "match", 30},
+    {Kind::Drop, "drop", 70},
+    {Kind::Listen, "listen", 90},
+    {Kind::RefreshStart, "refresh start", 6},
+    {Kind::RefreshEnd, "refresh end", 25},
+    {Kind::Init, "init", 5},
+    {Kind::ForeignCreate, "foreign create", 35},
+    {Kind::ForeignModify, "foreign modify", 60},
+    {Kind::ForeignDelete, "foreign delete", 35},
+    {Kind::SubscriptionChange, "subscription change", 8},
+    {Kind::ProfileReady, "profile ready", 8},
+    {Kind::ServiceDown, "service down", 5},
+    {Kind::ServiceUp, "service up", 10},
+    {Kind::Restart, "restart", 8},
+    {Kind::DeliverOne, "deliver one", 100},
+    {Kind::DeliverAll, "deliver all", 180},
+    {Kind::ReleaseDelayed, "release delayed", 15},
+    {Kind::Inject, "inject", 6},
+    {Kind::SetFault, "fault", 90},
+    {Kind::ClearFaults, "clear faults", 12},
+};
+
+constexpr std::uint32_t kMessages[] = {
+    RLINK_WDS_CREATE_PROFILE_REQ_V01,   RLINK_WDS_MODIFY_PROFILE_SETTINGS_REQ_V01,
+    RLINK_WDS_DELETE_PROFILE_REQ_V01,   RLINK_WDS_GET_PROFILE_SETTINGS_REQ_V01,
+    RLINK_WDS_GET_PROFILE_LIST_REQ_V01, velasim::kForeignChange};
+
+template <typename Value, std::size_t Size>
+const Value& oneOf(Random& random, const Value (&values)[Size]) {
+    return values[random.below(Size)];
+}
+
+/** Small pools, so that filters match and changes repeat; with values that do not fit. */
+void setPlainFields(Random& random, double probability, vela::ProfileParams& params) {
+    static const std::string kNames[] = {
+        "internet", "IMS", "ims", "Internet.Operator", "", "net", std::string(160, 'N')};
+    static const std::string kPasswords[] = {"", "secret", "Secret", std::string(140, 's')};
+    static constexpr int kTimers[] = {0, 1, 30, 65536, 70000, -1};
+    if (random.chance(2 * probability)) {
+        params.setApnName(oneOf(random, kNames));
+    }
+    if (random.chance(probability)) {
+        params.setPassword(oneOf(random, kPasswords));
+    }
+    if (random.chance(probability)) {
+        params.setMaxPdnConnTimer(oneOf(random, kTimers));
+    }
+}
+
+vela::ProfileParams randomParams(Random& random) {
+    vela::ProfileParams params;
+    setPlainFields(random, 0.3, params);
+    if (random.chance(0.4)) {
+        params.setHomeIPType(static_cast<vela::IPType>(random.below(4)));
+    }
+    if (random.chance(0.4)) {
+        params.setRoamIPType(static_cast<vela::IPType>(random.below(4)));
+    }
+    return params;
+}
+
+bool isMeaningful(const velasim::FaultRule& rule) {
+    if (rule.messageId == velasim::kAnyMessage ||
+        pointOf(rule.fault) == velasim::FaultPoint::Connect) {
+        return true;
+    }
+    const bool isChange = rule.messageId <= RLINK_WDS_DELETE_PROFILE_REQ_V01;
+    return pointOf(rule.fault) == velasim::FaultPoint::Indication
+               ? isChange
+               : rule.messageId != velasim::kForeignChange && appliesTo(rule.fault, rule.messageId);
+}
+
+std::string messageText(const velasim::FaultRule& rule) {
+    return rule.messageId == velasim::kAnyMessage      ? "any"
+           : rule.messageId == velasim::kForeignChange ? "of someone else"
+                                                       : velasim::messageName(rule.messageId);
+}
+
+}  // namespace
+
+vela::ProfileParams Operation::params() const {
+    Random random(detail);
+    return randomParams(random);
+}
+
+vela::AddProfileParams Operation::addParams() const {
+    Random random(detail);
+    const auto params = randomParams(random);
+    const bool isOdd = random.chance(0.01);  // a technology that does not exist
+    const auto technology = isOdd ? 2 : random.chance(0.3) ? 1 : 0;
+    const bool isPersistent = random.chance(0.4);
+    return {params, isPersistent, static_cast<vela::TechType>(technology), random.chance(0.2)};
+}
+
+vela::FilterProfileParams Operation::filter() const {
+    Random random(detail);
+    vela::FilterProfileParams filter;
+    setPlainFields(random, 0.1, filter);
+    if (random.chance(0.3)) {
+        filter.setFilterByTechType(static_cast<vela::TechType>(random.below(2)));
+    }
+    if (random.chance(0.1)) {
+        filter.setFilterByProfileId(static_cast<int>(random.below(8)));
+    }
+    if (random.chance(0.3)) {
+        filter.setFilterByIsVelaProfile(random.chance(0.8));
+    }
+    if (random.chance(0.1)) {
+        filter.setFilterByIsIAProfile(random.chance(0.5));
+    }
+    if (random.chance(0.5)) {
+        filter.addFilterMatchCriteria(toMask(vela::FilterMatchCriteria::ApnNameSubset));
+    }
+    return filter;
+}
+
+ProfileId Operation::id() const {
+    Random random(detail ^ 1U);
+    const auto technology = random.chance(0.3) ? Technology::ThreeGpp2 : Technology::ThreeGpp;
+    return {technology, static_cast<int>(1 + random.below(6))};
+}
+
+velasim::Settings Operation::settings() const {
+    Random random(detail);
+    const auto params = randomParams(random);
+    const Image nothing{id().is3gpp2(), {}, {}};
+    auto settings = nothing.changesFor(params).settings();
+    if (params.hasApnName() && random.chance(0.5)) {  // others need not write lower case
+        velasim::setText(settings, id().is3gpp2() ? "apn_string_3gpp2" : "apn_name",
+                         params.getApnName().substr(0, WDS_APN_NAME_MAX_V01));
+    }
+    if (random.chance(0.3)) {
+        velasim::setText(settings, "profile_name",
+                         random.chance(0.5) ? "vela_profile" : "somebody");
+    }
+    if (random.chance(0.3)) {
+        velasim::setNumber(settings, "persistence_flag", random.below(2));
+    }
+    return settings;
+}
+
+velasim::FaultRule Operation::rule() const {
+    if (givenRule) {
+        return *givenRule;
+    }
+    Random random(detail);
+    const auto all = velasim::allFaults();
+    velasim::FaultRule rule;
+    do {  // what needs an init to heal comes less often
+        rule.fault = all[random.below(all.size())];
+    } while (pointOf(rule.fault) == velasim::FaultPoint::Connect && random.chance(0.7));
+    do {
+        rule.messageId = random.chance(0.5) ? velasim::kAnyMessage : oneOf(random, kMessages);
+    } while (!isMeaningful(rule));
+    rule.first = static_cast<std::uint32_t>(1 + random.below(3));
+    rule.count = static_cast<std::uint32_t>(1 + random.below(3));
+    return rule;
+}
+
+std::vector<std::uint8_t> Operation::bytes() const {
+    Random random(detail);
+    const auto odd = [&](unsigned limit) {  // mostly sensible
+        return static_cast<std::uint8_t>(random.below(random.chance(0.2) ? 256 : limit));
+    };
+    if (random.chance(0.2)) {
+        return {0x7F, 0, 0};  // decodable, and says nothing
+    }
+    const auto type = odd(2);
+    const auto index = odd(7);
+    const auto event = odd(6);
+    return {0x10, 9, 0, type, 0, 0, 0, index, event, 0, 0, 0};
+}
+
+std::uint32_t Operation::messageId() const {
+    constexpr std::uint32_t kExpected = RLINK_WDS_PROFILE_CHANGED_IND_V01;
+    return Random(detail ^ 2U).chance(0.2) ? kExpected + 1 : kExpected;
+}
+
+std::string Operation::line() const {
+    std::string text = kKinds[static_cast<std::size_t>(kind)].name;
+    if (kind <= Kind::Listen && kind != Kind::Filter) {
+        text += " key" + std::to_string(slot);
+    }
+    switch (kind) {
+        case Kind::Add:
+            return text + " " + addParams().dump();
+        case Kind::Modify:
+            return text + " " + params().dump();
+        case Kind::Filter:
+        case Kind::Match:
+            return text + " " + filter().dump();
+        case Kind::Listen:
+            return text + ", then drop key" + std::to_string(other);
+        case Kind::ForeignCreate:
+        case Kind::ForeignModify:
+            text += " " + velasim::describe(settings(), id().technology) + " as";
+            [[fallthrough]];
+        case Kind::ForeignDelete:
+            return text + " " +
+                   (kind == Kind::ForeignCreate ? toString(id().technology) : id().text());
+        case Kind::SetFault:
+            return text + " " + toString(rule().fault) + " on message " + messageText(rule()) +
+                   ", number " + std::to_string(rule().first) + ", " +
+                   std::to_string(rule().count) + " times";
+        default:
+            return text;
+    }
+}
+
+std::vector<Operation> randomOperations(std::uint64_t seed, std::size_t count) {
+    Random random(seed);
+    const bool hasFaults = !random.chance(0.2);
+    const bool hasRestarts = !random.chance(0.2);
+    const auto weightOf = [&](const KindInfo& info) {
+        const bool isFault = info.kind == Kind::SetFault || info.kind == Kind::Inject;
+        const bool isRestart = info.kind >= Kind::ServiceDown && info.kind <= Kind::Restart;
+        return (isFault && !hasFaults) || (isRestart && !hasRestarts) ? 0U : info.weight;
+    };
+    std::vector<unsigned> weights;
+    std::transform(std::begin(kKinds), std::end(kKinds), std::back_inserter(weights), weightOf);
+    const auto total = std::accumulate(weights.begin(), weights.end(), 0U);
+
+    std::vector<Operation> operations(count);
+    for (auto& operation : operations) {
+        auto pick = random.below(total);
+        std::size_t kind = 0;
+        while (pick >= weights[kind]) {
+            pick -= weights[kind++];
+        }
+        operation.kind = kKinds[kind].kind;
+        operation.slot = static_cast<unsigned>(random.below(Model::kSlots));
+        operation.other = static_cast<unsigned>(random.below(Model::kSlots));
+        operation.detail = random.next();
+    }
+    return operations;
+}
+
+}  // namespace coherence
