@@ -213,6 +213,7 @@ TEST_F(CacheTest, RefreshTakesWhatCanBeRead) {
 
 TEST_F(CacheTest, ARefreshUnderWayBlocksEverything) {
     Key temporary = add("apn=temp", false);
+    temporary->registerExpirationListener(counting());
     const Key key = add("apn=net user=bob");
     for (int i = 0; i < 2; ++i) {
         manager.refresh(PDCRefreshStatus::RefreshStarted);

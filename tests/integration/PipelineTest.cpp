@@ -79,7 +79,13 @@ TEST_F(PipelineTest, CallbacksMayDropKeys) {
         key->registerExpirationListener([key, other] { other->reset(); });
         key.reset();
         EXPECT_FALSE(watch.expired()) << "the callback holds it";
+        sim.journal().clear();
         end();
+        EXPECT_TRUE(!known || sim.journal().waitFor([](const auto& entries) {
+            return std::any_of(entries.begin(), entries.end(), [](const auto& entry) {
+                return entry.kind == velasim::JournalKind::Request && entry.index == 2;
+            });
+        })) << "the other is released without further requests";
         settle();
         EXPECT_TRUE(watch.expired());
         EXPECT_EQ(*other, nullptr);
