@@ -82,4 +82,7 @@ class Driver {
     Outcome outcome;
 };
 
+/** The shortest run found that still fails, made by leaving out steps. */
+std::vector<Operation> shrink(std::uint64_t seed, std::vector<Operation> operations);
+
 }  // namespace coherence

@@ -13,14 +13,7 @@
 
 namespace coherence {
 
-// What the library does on purpose although it may surprise; docs/coherence.md tells each story.
-inline constexpr bool kRefusedModifyReportsTrue = true;
-inline constexpr bool kModifyOfEmptyEntryReportsTrue = true;
-inline constexpr bool kIgnoredReleaseLowersCount = false;
-inline constexpr bool kBlockedReleaseIsMadeUpForLater = false;
-inline constexpr bool kRefreshForgetsPending = false;
-
-// Why the cache may differ from the modem, deliberately.
+// Why the cache may differ from the modem, deliberately; docs/coherence.md tells each story.
 inline constexpr const char* kNeverRead = "nothing has been read since the start";
 inline constexpr const char* kListFailed = "a list could not be read";
 inline constexpr const char* kReadFailed = "a failed read leaves an empty entry";

@@ -20,8 +20,6 @@ struct ProfileId {
     int index = 0;
 
     auto operator<=>(const ProfileId&) const = default;
-    /** What a message names that only names the technology. */
-    static ProfileId anyOf(velasim::Technology technology) { return {technology, -1}; }
     bool is3gpp2() const { return technology == velasim::Technology::ThreeGpp2; }
     std::string text() const { return velasim::toString(technology) + ":" + std::to_string(index); }
 };
