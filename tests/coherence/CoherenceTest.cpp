@@ -8,7 +8,7 @@
 
 #include "Campaign.h"
 #include "Driver.h"
-#include "support/Watchdog.h"
+#include "Watchdog.h"
 
 namespace coherence {
 namespace {

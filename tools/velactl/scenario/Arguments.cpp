@@ -20,14 +20,14 @@ vela::TechType Arguments::tech() const {
 
 int Arguments::number(std::size_t word, int lowest, int highest, const char* what) const {
     const std::string& text = words.at(word);
-    int value = 0;
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (result.ec != std::errc() || result.ptr != text.data() + text.size() || value < lowest ||
-        value > highest) {
+    int result = 0;
+    const auto end = std::from_chars(text.data(), text.data() + text.size(), result);
+    if (end.ec != std::errc() || end.ptr != text.data() + text.size() || result < lowest ||
+        result > highest) {
         throw badUsage(inQuotes(text) + " is no " + what + "; use a number from " +
                        std::to_string(lowest) + " to " + std::to_string(highest));
     }
-    return value;
+    return result;
 }
 
 void Arguments::parse(const std::vector<std::string>& given, unsigned optionGroups) {

@@ -4,6 +4,7 @@
 
 #include <fstream>
 #include <iterator>
+#include <regex>
 #include <utility>
 
 #include "Text.h"
@@ -14,6 +15,12 @@ namespace velactl {
 namespace {
 
 constexpr std::streamoff kMaxFile = 1 << 20;
+
+/** The statement as it was written, but for its password. */
+std::string withoutSecret(const std::string& text) {
+    static const std::regex password(R"re((--password[ \t=]+)("([^"\\]|\\.)*"|[^ \t]+))re");
+    return std::regex_replace(text, password, "$1***");
+}
 
 }  // namespace
 
@@ -48,7 +55,9 @@ Scenario Scenario::load(const std::string& path) {
 void Scenario::play(Stage& stage) const {
     for (const Step& step : steps) {
         if (step.line.words.front() != "say") {
-            stage.out() << "> " << printable(step.line.text) << '\n';
+            const std::string& text = step.line.text;
+            stage.out() << "> " << printable(stage.showSecrets() ? text : withoutSecret(text))
+                        << '\n';
         }
         try {
             step.statement.run(stage);

@@ -1,0 +1,169 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <iostream>
+#include <regex>
+
+#include "ToolRun.h"
+
+namespace velactl {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+class Scenarios : public ModemFileTest {
+  protected:
+    ToolRun play(const std::string& text, std::vector<std::string> options = {}) const {
+        const std::string path = directory / "story.scn";
+        std::ofstream(path) << text;
+        options.insert(options.end(), {"run", path});
+        return runTool(options);
+    }
+};
+
+// Tokens go on counting for as long as the process lives.
+std::string withoutTokens(const std::string& text) {
+    return std::regex_replace(text, std::regex("token=[0-9]+"), "token");
+}
+
+TEST_F(Scenarios, TheStoriesThatAreShippedHoldAndRepeatThemselves) {
+    std::size_t stories = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(VELACTL_SCENARIOS)) {
+        const std::vector<std::string> arguments{"run", "--journal", entry.path().string()};
+        const ToolRun first = runTool(arguments);
+        EXPECT_EQ(first.status, 0) << first.err;
+        EXPECT_EQ(withoutTokens(runTool(arguments).out), withoutTokens(first.out)) << entry.path();
+        ++stories;
+    }
+    EXPECT_GE(stories, 5U);
+}
+
+TEST_F(Scenarios, AFileThatMakesNoSenseIsRefusedBeforeItBegins) {
+    struct Case {
+        const char* line;
+        const char* error;
+    };
+    const Case cases[] = {
+        {"atach a", "unknown statement \"atach\"; did you mean \"attach\"?"},
+        {"expect", "use expect ok, expect refused"},
+        {"drop", "write it as: drop KEY"},
+        {"add a b", "write it as: add KEY"},
+        {"add a --home-ip v5", "use IPv4, IPv6 or IPv4v6"},
+        {"add a --tech 5g", "--tech"},
+        {"add a --colour red", "--colour"},
+        {"refresh later", "use started or completed"},
+        {"fault bad-luck", "\"bad-luck\" is no fault; use send-failure"},
+        {"fault refuse --message call", "use any, foreign, create"},
+        {"fault table-full --message list", "means nothing for the message list"},
+        {"fault refuse --probability 2", "--probability"},
+        {"foreign create colour=red", "is no setting=value"},
+        {"foreign create pdp_type=many", "does not fit into pdp_type"},
+        {"foreign modify 0 apn_name=a", "is no profile index; use a number from 1 to 255"},
+        {"expect pending many", "is no count"},
+        {"say \"half", "a quoted word without its closing"},
+        {"say \x01", "a control character"},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.line);
+        const ToolRun result = play(std::string("say begun\n# a comment\n\n") + each.line + "\n");
+        EXPECT_EQ(result.status, 2);
+        EXPECT_THAT(result.out, IsEmpty());
+        EXPECT_THAT(result.err, AllOf(HasSubstr("story.scn:4: "), HasSubstr(each.error)));
+    }
+    EXPECT_THAT(play(std::string(5000, 'x')).err, HasSubstr("story.scn:1: a line of 5000 bytes"));
+    EXPECT_THAT(runTool({"run", directory / "none.scn"}).err, HasSubstr("cannot be opened"));
+}
+
+// A modem with profile 1 that both sides know, and the key of a temporary one that expired once.
+constexpr const char* kSetting = R"(add kept --apn "my net" --password "a secret"
+add call --temporary --apn call
+listen call
+foreign modify 2 apn_name=other
+)";
+
+TEST_F(Scenarios, AnExpectationHoldsOrEndsTheStoryAtItsLine) {
+    struct Case {
+        const char* holds;
+        const char* fails;
+        const char* found;
+    };
+    const Case cases[] = {
+        {"expect ok", "expect refused", "the last operation was not refused"},
+        {"expect profiles 2", "expect profiles 3", "the modem holds 2 profiles"},
+        {"expect modem 1 --apn \"my net\"", "expect modem 1 --apn mynet", "apn is my net"},
+        {"expect no-modem 3", "expect no-modem 1", "there is 3GPP profile 1"},
+        {"expect library 2 --apn other", "expect library 3", "there is no profile 3"},
+        {"expect no-library 1 --tech 3GPP2", "expect no-library 2", "there is 3GPP profile 2"},
+        {"expect key call --apn other", "expect key call --apn call", "apn is other"},
+        {"expect key kept --password \"a secret\"", "expect key kept --class IMS",
+         "class is absent"},
+        {"expect expired call", "expect expired call 0", "its listener was called 1 time"},
+        {"expect expired kept 0", "expect expired kept", "its listener was called 0 times"},
+        {"expect agree", "expect disagree", "library and modem agree"},
+        {"expect pending 0", "expect pending 1", "the library expects 0 indications"},
+        {"expect log \"Added: \"", "expect log nonsense", "no log line holds"},
+        {"expect key kept", "expect stale kept", "the key names a profile"},
+        {"expect key kept", "expect key none", "held are call, kept"},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.fails);
+        const ToolRun holding = play(std::string(kSetting) + each.holds + "\n");
+        EXPECT_EQ(holding.status, 0) << holding.err;
+        EXPECT_THAT(holding.out, AllOf(HasSubstr("5 statements, all as expected"),
+                                       HasSubstr("expired: call"), Not(HasSubstr("secret"))));
+        const ToolRun failing = play(std::string(kSetting) + each.fails + "\nsay never\n");
+        EXPECT_EQ(failing.status, 1);
+        EXPECT_THAT(failing.err, AllOf(HasSubstr("story.scn:5: "), HasSubstr(each.found)));
+        EXPECT_THAT(failing.out, Not(HasSubstr("never")));
+    }
+}
+
+TEST_F(Scenarios, FaultsAndOrderAreTheWritersChoice) {
+    const ToolRun result = play(R"(fault refuse --message create --first 2 --value 72
+add a --temporary
+add b
+expect refused
+no-faults
+hold
+foreign create apn_name=late
+expect no-library 2
+deliver
+expect library 2 --apn late
+release
+service down
+add c
+expect refused
+service up
+drop a
+expect no-modem 1
+fault time-out --probability 0.5 --count 0
+add x
+add y
+add z
+)",
+                                {"--json"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.json()["statements"], 21);
+    EXPECT_EQ(result.json()["passed"], true);
+}
+
+TEST_F(Scenarios, TheShellReadsStatementsFromAPipe) {
+    std::istringstream typed(
+        "add a --temporary --apn shell\nexpect modem 1 --apn shell\nbogus\n\nkeys\nquit\nsay no\n");
+    auto* const terminal = std::cin.rdbuf(typed.rdbuf());
+    const ToolRun result = runTool({"shell"});
+    std::cin.rdbuf(terminal);
+    std::cin.clear();
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.out, AllOf(HasSubstr("a is "), Not(HasSubstr("no\n"))));
+    EXPECT_THAT(result.err, HasSubstr("unknown statement \"bogus\""));
+}
+
+}  // namespace
+}  // namespace velactl
