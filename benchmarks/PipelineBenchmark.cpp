@@ -60,7 +60,7 @@ void eventFdRoundTrip(benchmark::State& state) {
             response.signal(answered);
         }
     });
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto _ : state) {
         request.signal(written);
         await(response);
     }
@@ -72,7 +72,7 @@ BENCHMARK(eventFdRoundTrip)->UseRealTime();
 
 void getProfile(benchmark::State& state) {
     Connection connection(1);
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto _ : state) {
         benchmark::DoNotOptimize(connection.manager.getProfile(connection.keys.front()));
     }
 }
@@ -83,7 +83,7 @@ void filterOneOf(benchmark::State& state) {
     Connection connection(static_cast<int>(state.range(0)));
     vela::FilterProfileParams filter;
     filter.setApnName("apn0");
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto _ : state) {
         benchmark::DoNotOptimize(connection.manager.filter(filter));
     }
 }
@@ -91,7 +91,7 @@ BENCHMARK(filterOneOf)->Arg(1)->Arg(16)->Arg(255)->UseRealTime();
 
 void refresh(benchmark::State& state) {
     Connection connection(static_cast<int>(state.range(0)));
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto _ : state) {
         connection.manager.refresh(vela::PDCRefreshStatus::RefreshCompleted);
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));

@@ -29,7 +29,7 @@ vela::ProfileParams fullRecord() {
 /** The limit of building a message: zeroing as many bytes. */
 void zeroCreateMessage(benchmark::State& state) {
     wds_create_profile_req_msg_v01 message;
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto _ : state) {
         std::memset(&message, 0, sizeof(message));
         benchmark::DoNotOptimize(message);
     }
@@ -39,7 +39,7 @@ BENCHMARK(zeroCreateMessage);
 void constructCreateMessage(benchmark::State& state) {
     vela::ProfileParams params = fullRecord();
     vela::Modem3gppProfile profile(params);
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto _ : state) {
         benchmark::DoNotOptimize(profile.constructAddRequest());
     }
 }
@@ -49,7 +49,7 @@ void matchFullFilter(benchmark::State& state) {
     vela::ProfileParams params = fullRecord();
     vela::Modem3gppProfile profile(params);
     vela::FilterProfileParams filter(params);
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto _ : state) {
         benchmark::DoNotOptimize(profile.match(filter));
     }
 }
@@ -58,7 +58,7 @@ BENCHMARK(matchFullFilter);
 /** The limit of a log line: formatting it. */
 void formatLine(benchmark::State& state) {
     char line[512];
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto _ : state) {
         std::snprintf(line, sizeof(line), "Manager::%s > %s", "filter", "Filter params: None: ");
         benchmark::DoNotOptimize(line);
     }
@@ -66,7 +66,7 @@ void formatLine(benchmark::State& state) {
 BENCHMARK(formatLine);
 
 void logNotice(benchmark::State& state) {
-    for (auto _ : state) {
+    for ([[maybe_unused]] const auto _ : state) {
         vela::log(vela::LogLevel::Notice, "Manager::%s > %s", "filter", "Filter params: None: ");
     }
 }

@@ -126,7 +126,8 @@ std::shared_ptr<ClientResponse> ClientRequestManager::processOnWorker(
         deferredReleases.push_back(request);
         return std::make_shared<CallbackResponse>(Status::Success);
     }
-    log(LogLevel::Error, "Request refused on the VELA thread: %s", request->dump().c_str());
+    log(LogLevel::Error, "Request refused on the VELA thread: %s",
+        request ? request->dump().c_str() : "none");
     return nullptr;
 }
 

@@ -31,6 +31,13 @@ void clear(Message& message) {
     std::memset(&message, 0, sizeof(message));
 }
 
+/** Field by field: the padding stays as it is. */
+void identify(wds_profile_identifier_type_v01& identifier, TechType techType, int profileId) {
+    const wds_profile_identifier_type_v01 values = convertToProfileIdentifier(techType, profileId);
+    identifier.profile_type = values.profile_type;
+    identifier.profile_index = values.profile_index;
+}
+
 }  // namespace
 
 RlinkWdsProxy::RlinkWdsProxy(EventManager& eventManager, int instance)
@@ -240,7 +247,7 @@ bool RlinkWdsProxy::add(ModemProfile& profile) {
 
 bool RlinkWdsProxy::modify(ModemProfile& profile, TechType techType, int profileId) {
     wds_modify_profile_settings_req_msg_v01 request = profile.constructModifyRequest();
-    request.profile = convertToProfileIdentifier(techType, profileId);
+    identify(request.profile, techType, profileId);
     wds_modify_profile_settings_resp_msg_v01 response;
     if (!send(RLINK_WDS_MODIFY_PROFILE_SETTINGS_REQ_V01, request, response)) {
         log(LogLevel::Error, "Unable send RLINK_WDS_MODIFY_PROFILE_SETTINGS_REQ_V01 message");
@@ -254,7 +261,7 @@ bool RlinkWdsProxy::modify(ModemProfile& profile, TechType techType, int profile
 bool RlinkWdsProxy::remove(TechType techType, int profileId) {
     wds_delete_profile_req_msg_v01 request;
     clear(request);
-    request.profile = convertToProfileIdentifier(techType, profileId);
+    identify(request.profile, techType, profileId);
     wds_delete_profile_resp_msg_v01 response;
     if (!send(RLINK_WDS_DELETE_PROFILE_REQ_V01, request, response)) {
         log(LogLevel::Error, "Unable send RLINK_WDS_DELETE_PROFILE_REQ_V01 message");
@@ -267,7 +274,7 @@ bool RlinkWdsProxy::remove(TechType techType, int profileId) {
 std::shared_ptr<ModemProfile> RlinkWdsProxy::get(TechType techType, int profileId) {
     wds_get_profile_settings_req_msg_v01 request;
     clear(request);
-    request.profile = convertToProfileIdentifier(techType, profileId);
+    identify(request.profile, techType, profileId);
     wds_get_profile_settings_resp_msg_v01 response;
     if (!send(RLINK_WDS_GET_PROFILE_SETTINGS_REQ_V01, request, response)) {
         log(LogLevel::Error, "Unable send RLINK_WDS_GET_PROFILE_SETTINGS_REQ_V01 message");

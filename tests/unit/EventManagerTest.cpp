@@ -19,9 +19,7 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::Pair;
-using testing::SizeIs;
 
 /** Counts calls and leaves the descriptor readable, or drains it. */
 struct Counter {

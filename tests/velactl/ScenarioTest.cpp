@@ -15,7 +15,6 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
-using testing::StartsWith;
 
 class Scenarios : public ModemFileTest {
   protected:

@@ -33,9 +33,11 @@ inline ToolRun runTool(const std::vector<std::string>& arguments) {
 
 /** A test with a modem that is kept in a file between runs. */
 class ModemFileTest : public testing::Test {
+  public:
+    ~ModemFileTest() override { std::filesystem::remove_all(directory); }
+
   protected:
     ModemFileTest() { std::filesystem::create_directories(directory); }
-    ~ModemFileTest() override { std::filesystem::remove_all(directory); }
 
     ToolRun run(std::vector<std::string> arguments) const {
         arguments.insert(arguments.begin(), {"--modem", modem});

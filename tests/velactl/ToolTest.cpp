@@ -13,7 +13,6 @@ namespace velactl {
 namespace {
 
 using testing::AllOf;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -113,9 +112,7 @@ TEST_F(Tool, BadInputGetsOneClearLineAndLosesNothing) {
         {{"provision", "--apns", operators, "--plmn", "0011234"}, 2, "MCC (3 digits)"},
         {{"provision", "--apns", operators, "--plmn", "001003"}, 1, "001/03 (Klammfon), whose MNC"},
         {{"provision", "--apns", operators, "--plmn", "99901"}, 1, "it holds 5 operators"},
-        {{"provision", "--apns", operators, "--plmn", "00177"},
-         1,
-         "of MCC 001: 001/04 (Modem 90)"},
+        {{"provision", "--apns", operators, "--plmn", "00177"}, 1, "of MCC 001: 001/04 (Modem 90)"},
         {{"provision", "--apns", operators, "--plmn", "00101", "--mvno", "spn:No"}, 1, "gid:BAE0"},
         {{"provision", "--apns", "none.xml", "--plmn", "00101"}, 1, "none.xml: cannot be read"},
         {{"provision", "--apns", broken, "--plmn", "00101"}, 1, "broken.xml:2:"},

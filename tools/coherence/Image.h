@@ -19,6 +19,7 @@ struct ProfileId {
     velasim::Technology technology = velasim::Technology::ThreeGpp;
     int index = 0;
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): fires on the comparisons that the compiler writes
     auto operator<=>(const ProfileId&) const = default;
     bool is3gpp2() const { return technology == velasim::Technology::ThreeGpp2; }
     std::string text() const { return velasim::toString(technology) + ":" + std::to_string(index); }

@@ -326,8 +326,9 @@ Model::Cached* Model::look(unsigned slot) {
 }
 
 const Model::Entry* Model::look(unsigned slot) const {
-    const auto* cached = const_cast<Model*>(this)->look(slot);
-    return cached != nullptr && *cached ? &**cached : nullptr;
+    const auto& key = keys.at(slot);
+    const auto found = key ? cache.find(key->token) : cache.end();
+    return found != cache.end() && found->second ? &*found->second : nullptr;
 }
 
 Model::Cached Model::read(ProfileId id) {
