@@ -7,11 +7,14 @@
 #include <regex>
 
 #include "ToolRun.h"
+#include "scenario/Completion.h"
 
 namespace velactl {
 namespace {
 
 using testing::AllOf;
+using testing::Contains;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -150,6 +153,17 @@ add z
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(result.json()["statements"], 21);
     EXPECT_EQ(result.json()["passed"], true);
+}
+
+TEST(Completion, OffersTheNextWordThatMakesSense) {
+    const std::vector<std::string> keys{"call", "kept"};
+    EXPECT_THAT(completionsOf("re", keys), ElementsAre("refresh", "release", "restart"));
+    EXPECT_THAT(completionsOf("expect ke", keys), ElementsAre("key"));
+    EXPECT_THAT(completionsOf("expect key ", keys), AllOf(Contains("kept"), Contains("--apn")));
+    EXPECT_THAT(completionsOf("foreign modify 1 --", keys), ElementsAre("--tech"));
+    EXPECT_THAT(completionsOf("drop k", keys), ElementsAre("kept"));
+    EXPECT_THAT(completionsOf("bogus ", keys), IsEmpty());
+    EXPECT_THAT(completionsOf("", keys), AllOf(Contains("quit"), Contains("expect")));
 }
 
 TEST_F(Scenarios, TheShellReadsStatementsFromAPipe) {

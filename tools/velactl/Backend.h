@@ -23,8 +23,6 @@ struct ModemOptions {
     int instance = 0;
     /** Profiles per technology of a simulated modem. */
     std::optional<unsigned> capacity;
-    /** A simulated modem delivers only when it is told to, so that a run can be repeated. */
-    bool isStepped = false;
     /** Of a simulated modem's faults. */
     std::uint64_t seed = 1;
 };

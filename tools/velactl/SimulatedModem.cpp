@@ -21,8 +21,7 @@ velasim::SimulatorOptions simulatorOptions(const ModemOptions& options, std::siz
     velasim::SimulatorOptions result;
     result.instances = std::max<unsigned>({result.instances, static_cast<unsigned>(modems),
                                            static_cast<unsigned>(options.instance) + 1U});
-    result.delivery =
-        options.isStepped ? velasim::DeliveryMode::Stepped : velasim::DeliveryMode::Immediate;
+    result.delivery = velasim::DeliveryMode::Stepped;  // so that each run is like the last
     result.seed = options.seed;
     result.capacity = options.capacity.value_or(result.capacity);
     return result;
@@ -80,7 +79,7 @@ velasim::Snapshot SimulatedModem::load() {
 void SimulatedModem::connect(vela::Manager& manager) {
     manager.init(options.instance, false);
     settle(manager);
-    if (!sim->waitSubscribed(options.instance)) {
+    if (sim->subscribedClients(options.instance) == 0) {
         throw refused("the library did not register with modem instance " +
                       std::to_string(options.instance));
     }
@@ -90,14 +89,11 @@ void SimulatedModem::settle(vela::Manager& manager) {
     vela::FilterProfileParams nothing;
     nothing.setFilterByProfileId(-1);
     do {
-        if (!isHeld) {
-            sim->waitIdle();
-        }
         // The second answer comes after the worker has finished with all that the first one
         // overtook. What it then asked of the modem may have caused further deliveries.
         manager.filter(nothing);
         manager.filter(nothing);
-    } while (!isHeld && sim->pendingDeliveries() > 0);
+    } while (!isHeld && sim->deliverNext());
 }
 
 std::optional<ProfileRecords> SimulatedModem::modemProfiles() {
@@ -140,7 +136,8 @@ bool SimulatedModem::changeBehindLibrary(int index, std::string_view setting,
 
 void SimulatedModem::restart(vela::Manager& manager) {
     sim->restart();
-    if (!sim->waitSubscribed(options.instance)) {
+    settle(manager);
+    if (sim->subscribedClients(options.instance) == 0) {
         throw refused("the library did not come back after the modem's restart");
     }
     sim->profileReady(options.instance);

@@ -34,7 +34,7 @@ class SimulatedModem : public Backend {
      * its profiles are ready. */
     void restart(vela::Manager& manager);
 
-    /** Leaves deliveries waiting, or makes those that wait. Of a stepped modem only. */
+    /** Whether settle() leaves deliveries waiting. */
     void holdDeliveries(bool hold) { isHeld = hold; }
 
     /** For everything else that only a simulator can do. */

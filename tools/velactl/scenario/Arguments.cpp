@@ -30,10 +30,8 @@ int Arguments::number(std::size_t word, int lowest, int highest, const char* wha
     return result;
 }
 
-void Arguments::parse(const std::vector<std::string>& given, unsigned optionGroups) {
-    CLI::App app;
+void Arguments::addTo(CLI::App& app, unsigned optionGroups) {
     app.set_help_flag();
-    app.add_option("words", words);
     if ((optionGroups & kFields) != 0) {
         fields.addTo(app);
     }
@@ -55,6 +53,25 @@ void Arguments::parse(const std::vector<std::string>& given, unsigned optionGrou
         app.add_option("--probability", probability)->check(CLI::Range(0.0, 1.0));
         app.add_option("--value", value);
     }
+}
+
+std::vector<std::string> Arguments::optionNames(unsigned optionGroups) {
+    Arguments arguments;
+    CLI::App app;
+    arguments.addTo(app, optionGroups);
+    std::vector<std::string> names;
+    for (const CLI::Option* option : app.get_options()) {
+        for (const std::string& name : option->get_lnames()) {
+            names.push_back("--" + name);
+        }
+    }
+    return names;
+}
+
+void Arguments::parse(const std::vector<std::string>& given, unsigned optionGroups) {
+    CLI::App app;
+    addTo(app, optionGroups);
+    app.add_option("words", words);
     std::vector<std::string> reversed(given.rbegin(), given.rend());
     try {
         app.parse(std::move(reversed));

@@ -46,6 +46,12 @@ struct Arguments {
 
     /** Parses `given`, the statement without its name. Throws ToolError. */
     void parse(const std::vector<std::string>& given, unsigned optionGroups);
+
+    /** The options of these groups, as they are typed. */
+    static std::vector<std::string> optionNames(unsigned optionGroups);
+
+  private:
+    void addTo(CLI::App& app, unsigned optionGroups);
 };
 
 }  // namespace velactl

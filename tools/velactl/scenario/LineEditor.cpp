@@ -26,6 +26,9 @@ class LineEditor::Terminal {
         ::el_set(editLine, EL_HIST, ::history, pastLines);
         ::el_set(editLine, EL_ADDFN, "complete", "complete the word", &complete);
         ::el_set(editLine, EL_BIND, "^I", "complete", nullptr);
+        // While a line is typed, ^C gives up that line and not the modem with all that it holds.
+        ::el_set(editLine, EL_SETTY, "-d", "-isig", nullptr);
+        ::el_set(editLine, EL_BIND, "^C", "em-kill-line", nullptr);
     }
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
@@ -66,20 +69,15 @@ class LineEditor::Terminal {
 
     /** Completes as far as all candidates agree; lists them when they do not. */
     unsigned char completeTyped(const std::string& typed) {
-        std::vector<std::string> fitting;
-        std::string rest;
-        for (const std::string& candidate : completions(typed)) {
-            const std::size_t overlap = overlapOf(typed, candidate);
-            if (overlap == std::string::npos) {
-                continue;
-            }
-            const std::string tail = candidate.substr(overlap);
-            rest = fitting.empty() ? tail : commonPrefix(rest, tail);
-            fitting.push_back(candidate);
-        }
+        const std::vector<std::string> fitting = completions(typed);
         if (fitting.empty()) {
             return CC_ERROR;
         }
+        std::string common = fitting.front();
+        for (const std::string& candidate : fitting) {
+            common = commonPrefix(common, candidate);
+        }
+        std::string rest = common.substr(typed.size() - (typed.find_last_of(' ') + 1));
         if (fitting.size() == 1) {
             rest += ' ';
         }
@@ -93,17 +91,6 @@ class LineEditor::Terminal {
         }
         std::cout << std::endl;
         return CC_REDISPLAY;
-    }
-
-    /** How much of the candidate has been typed: as the whole line, or as its last word. */
-    static std::size_t overlapOf(const std::string& typed, const std::string& candidate) {
-        const std::string lastWord = typed.substr(typed.find_last_of(' ') + 1);
-        for (const std::string& part : {typed, lastWord}) {
-            if (candidate.compare(0, part.size(), part) == 0) {
-                return part.size();
-            }
-        }
-        return std::string::npos;
     }
 
     static std::string commonPrefix(const std::string& left, const std::string& right) {

@@ -13,7 +13,7 @@ namespace velactl {
 /** Reads lines: with history and completion from a terminal, plainly from a pipe. */
 class LineEditor {
   public:
-    /** What may stand in place of the last word of the line so far. */
+    /** What may stand in place of the last word of the line so far, which all begin with. */
     using Completions = std::function<std::vector<std::string>(const std::string& line)>;
 
     LineEditor(std::string prompt, bool isTerminal, Completions completions);

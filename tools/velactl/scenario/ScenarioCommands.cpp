@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "Text.h"
+#include "scenario/Completion.h"
 #include "scenario/LineEditor.h"
 #include "scenario/Scenario.h"
 
@@ -16,9 +17,8 @@ namespace velactl {
 
 namespace {
 
-ModemOptions steppedModem(const Context& context, std::uint64_t seed) {
+ModemOptions seededModem(const Context& context, std::uint64_t seed) {
     ModemOptions modem = context.options.modem;
-    modem.isStepped = true;
     modem.seed = seed;
     return modem;
 }
@@ -37,19 +37,6 @@ void printHelp(std::ostream& out) {
            "--class,\n"
            "  --clat, --emergency, --disabled, --max-conns, --max-conns-time, --wait-time\n"
            "  help, quit\n";
-}
-
-/** What may follow: statement names, or the names of the keys that are held. */
-std::vector<std::string> completions(const Stage& stage, const std::string& line) {
-    std::vector<std::string> candidates;
-    if (line.find(' ') != std::string::npos) {
-        candidates = stage.keyNames();
-    }
-    for (const StatementKind& kind : statementKinds()) {
-        candidates.emplace_back(kind.name);
-    }
-    candidates.insert(candidates.end(), {"help", "quit"});
-    return candidates;
 }
 
 /** False when the line asks to end. */
@@ -83,7 +70,7 @@ Exit RunCommand::run(const Context& context) {
     const Scenario scenario = Scenario::load(file);
     std::ostringstream unseen;
     std::ostream& story = context.output.isText() ? context.output.text() : unseen;
-    Stage stage(steppedModem(context, seed), context.output.showSecrets(),
+    Stage stage(seededModem(context, seed), context.output.showSecrets(),
                 {story, isQuiet ? unseen : story}, context.logSink());
     scenario.play(stage);
     if (isJournalWanted) {
@@ -102,10 +89,11 @@ void ShellCommand::addOptions(CLI::App& app) {
 Exit ShellCommand::run(const Context& context) {
     std::ostringstream unseen;
     std::ostream& out = context.output.isText() ? context.output.text() : unseen;
-    Stage stage(steppedModem(context, seed), context.output.showSecrets(), {out, out},
+    Stage stage(seededModem(context, seed), context.output.showSecrets(), {out, out},
                 context.logSink());
-    LineEditor editor("velactl> ", ::isatty(STDIN_FILENO) != 0,
-                      [&stage](const std::string& line) { return completions(stage, line); });
+    LineEditor editor("velactl> ", ::isatty(STDIN_FILENO) != 0, [&stage](const std::string& line) {
+        return completionsOf(line, stage.keyNames());
+    });
     if (editor.isInteractive()) {
         stage.out() << "A simulated modem with the library connected. help tells the statements.\n";
     }

@@ -45,7 +45,7 @@ std::size_t editDistance(std::string_view left, std::string_view right) {
     return row.back();
 }
 
-/** The names of all kinds that begin with `first`, or the name nearest to what was written. */
+/** The names of all kinds that begin with the first word, or a name that is much like it. */
 std::string suggestion(const std::vector<std::string>& words) {
     std::vector<std::string> family;
     std::string nearest;
@@ -60,8 +60,11 @@ std::string suggestion(const std::vector<std::string>& words) {
             nearest = kind.name;
         }
     }
-    return family.empty() ? "did you mean " + inQuotes(nearest) + "?"
-                          : "use " + alternatives(family);
+    if (!family.empty()) {
+        return "use " + alternatives(family);
+    }
+    const bool isAlike = shortest <= nearest.size() / 2;
+    return isAlike ? "did you mean " + inQuotes(nearest) + "?" : "help in velactl shell lists all";
 }
 
 const StatementKind& kindOf(const std::vector<std::string>& words) {

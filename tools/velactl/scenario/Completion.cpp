@@ -1,0 +1,59 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#include "scenario/Completion.h"
+
+#include <algorithm>
+#include <set>
+
+#include "Text.h"
+#include "scenario/Statement.h"
+
+namespace velactl {
+
+namespace {
+
+bool startsWith(const std::vector<std::string>& words, const std::vector<std::string>& start) {
+    return words.size() >= start.size() && std::equal(start.begin(), start.end(), words.begin());
+}
+
+/** The words before the one that is being typed. */
+std::vector<std::string> finishedWords(const std::string& line) {
+    const std::size_t end = line.find_last_of(' ');
+    std::vector<std::string> words;
+    if (end != std::string::npos) {
+        words = split(line.substr(0, end), ' ');
+        std::erase(words, "");
+    }
+    return words;
+}
+
+}  // namespace
+
+std::vector<std::string> completionsOf(const std::string& line,
+                                       const std::vector<std::string>& keyNames) {
+    const std::vector<std::string> finished = finishedWords(line);
+    const std::string begun = line.substr(line.find_last_of(' ') + 1);
+    std::set<std::string> fitting;
+    const auto offer = [&](const std::string& word) {
+        if (word.compare(0, begun.size(), begun) == 0) {
+            fitting.insert(word);
+        }
+    };
+    for (const StatementKind& kind : statementKinds()) {
+        const std::vector<std::string> name = split(kind.name, ' ');
+        if (startsWith(finished, name)) {
+            std::for_each(keyNames.begin(), keyNames.end(), offer);
+            const auto options = Arguments::optionNames(kind.optionGroups);
+            std::for_each(options.begin(), options.end(), offer);
+        } else if (startsWith(name, finished)) {
+            offer(name.at(finished.size()));
+        }
+    }
+    if (finished.empty()) {
+        offer("help");
+        offer("quit");
+    }
+    return {fitting.begin(), fitting.end()};
+}
+
+}  // namespace velactl
