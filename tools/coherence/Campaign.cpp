@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "Driver.h"
+#include "Shrink.h"
 #include "Watchdog.h"
 
 namespace coherence {

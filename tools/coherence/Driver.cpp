@@ -389,32 +389,4 @@ void Driver::checkTable() {
     }
 }
 
-// ---- Shrinking
-
-std::vector<Operation> shrink(std::uint64_t seed, std::vector<Operation> operations) {
-    const auto fails = [&](const std::vector<Operation>& candidate) {
-        return !Driver(seed).run(candidate).failure.empty();
-    };
-    operations.resize(std::min(operations.size(), Driver(seed).run(operations).step + 1));
-    for (std::size_t chunk = operations.size() / 2; chunk > 0;) {
-        bool isShorter = false;
-        for (std::size_t from = 0; from < operations.size();) {
-            auto candidate = operations;
-            const auto begin = candidate.begin() + static_cast<std::ptrdiff_t>(from);
-            const auto length = std::min(chunk, operations.size() - from);
-            candidate.erase(begin, begin + static_cast<std::ptrdiff_t>(length));
-            if (fails(candidate)) {
-                operations = std::move(candidate);
-                isShorter = true;
-            } else {
-                from += chunk;
-            }
-        }
-        if (!isShorter) {
-            chunk /= 2;
-        }
-    }
-    return operations;
-}
-
 }  // namespace coherence

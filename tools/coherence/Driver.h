@@ -82,7 +82,4 @@ class Driver {
     Outcome outcome;
 };
 
-/** The shortest run found that still fails, made by leaving out steps. */
-std::vector<Operation> shrink(std::uint64_t seed, std::vector<Operation> operations);
-
 }  // namespace coherence

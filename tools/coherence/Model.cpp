@@ -34,7 +34,7 @@ ProfileId anyOf(Technology technology) {
 void Model::witness(const std::vector<velasim::JournalEntry>& entries,
                     const std::vector<int>& ran) {
     modem.witness(entries);
-    calls.assign(ran.begin(), ran.end());
+    keys.witness(ran);
     const auto found = std::find_if(entries.begin(), entries.end(), [](const auto& entry) {
         return entry.kind == JournalKind::NotifyDelivered ||
                entry.kind == JournalKind::ErrorDelivered;
@@ -44,9 +44,7 @@ void Model::witness(const std::vector<velasim::JournalEntry>& entries,
 
 void Model::finish() {
     modem.finish();
-    if (!calls.empty()) {
-        throw Mismatch("listener " + std::to_string(calls.front()) + " should not have run");
-    }
+    keys.finish();
 }
 
 // ---- Client operations
@@ -79,7 +77,7 @@ bool Model::add(unsigned slot, const vela::AddProfileParams& params) {
     }
     afterDispatch();
     if (reply.isSuccess) {
-        keys.at(slot) = Key{token, id, ++nextSerial, pipeline};
+        keys.hold(slot, token, id);
     }
     return reply.isSuccess;
 }
@@ -146,30 +144,21 @@ std::vector<std::uint64_t> Model::filter(const vela::FilterProfileParams& params
         }
         ++cached->count;
         tokens.push_back(token);
-        const auto free = std::find(keys.begin(), keys.end(), std::nullopt);
-        if (free != keys.end()) {
-            *free = Key{token, cached->id, ++nextSerial, pipeline};
-        }
+        keys.hold(token, cached->id);
     }
     return tokens;
 }
 
-void Model::use(unsigned slot) {
-    inUse = keys.at(slot);
-}
-
 void Model::endUse() {
-    const auto key = std::exchange(inUse, std::nullopt);
-    const auto isSame = [&](const auto& other) { return other && other->serial == key->serial; };
-    if (key && key->pipeline == pipeline && std::none_of(keys.begin(), keys.end(), isSame)) {
-        dropToken(key->token);
+    if (const auto token = keys.endUse()) {
+        dropToken(*token);
     }
 }
 
 void Model::drop(unsigned slot) {
-    use(slot);
-    keys.at(slot).reset();
-    endUse();
+    if (const auto token = keys.drop(slot)) {
+        dropToken(*token);
+    }
 }
 
 void Model::dropToken(std::uint64_t token) {
@@ -180,10 +169,10 @@ void Model::dropToken(std::uint64_t token) {
 }
 
 void Model::listen(unsigned slot, int listener, unsigned victim) {
-    const auto& key = keys.at(slot);
+    const auto taken = keys.listener(slot, listener, victim);
     auto* cached = isBlocked ? nullptr : look(slot);
-    if (key && key->pipeline == pipeline && cached != nullptr && *cached) {
-        (*cached)->listeners.push_back({listener, slot, key->serial, victim});
+    if (taken && cached != nullptr && *cached) {
+        (*cached)->listeners.push_back(*taken);
     }
 }
 
@@ -196,7 +185,7 @@ void Model::refresh(bool isStart) {
 }
 
 void Model::init() {
-    ++pipeline;
+    keys.startPipeline();
     modem.startNotifier();
     modem.abandonClient();
     modem.arrivals.clear();
@@ -314,11 +303,6 @@ bool Model::isHealed() const {
 
 // ---- Steps
 
-bool Model::isAlive(const Listener& listener) const {
-    const auto& key = keys.at(listener.slot);
-    return (inUse && inUse->serial == listener.serial) || (key && key->serial == listener.serial);
-}
-
 Model::Cached* Model::look(unsigned slot) {
     const auto& key = keys.at(slot);
     const auto found = key ? cache.find(key->token) : cache.end();
@@ -400,7 +384,7 @@ void Model::release(std::uint64_t token) {
         return;
     }
     auto& entry = *found->second;
-    std::erase_if(entry.listeners, [&](const auto& listener) { return !isAlive(listener); });
+    std::erase_if(entry.listeners, [&](const auto& listener) { return !keys.isAlive(listener); });
     const bool isLast = entry.count < 2;
     if (!isLast || kIgnoredReleaseLowersCount) {
         --entry.count;
@@ -447,9 +431,7 @@ void Model::onForeignChange(ProfileId id) {
 void Model::expire(std::vector<Cached> dying) {
     while (!dying.empty()) {
         auto next = std::find_if(dying.begin(), dying.end(), [&](const Cached& cached) {
-            return cached && !calls.empty() &&
-                   std::any_of(cached->listeners.begin(), cached->listeners.end(),
-                               [&](const auto& one) { return one.number == calls.front(); });
+            return cached && keys.isNext(cached->listeners);
         });
         if (next == dying.end()) {
             next = dying.begin();
@@ -457,23 +439,7 @@ void Model::expire(std::vector<Cached> dying) {
         const auto cached = *next;
         dying.erase(next);
         if (cached) {
-            run(cached->listeners);
-        }
-    }
-}
-
-void Model::run(const std::vector<Listener>& listeners) {
-    for (const auto& listener : listeners) {
-        if (!isAlive(listener)) {
-            continue;
-        }
-        if (calls.empty() || calls.front() != listener.number) {
-            throw Mismatch("listener " + std::to_string(listener.number) + " should have run");
-        }
-        calls.pop_front();
-        const auto key = std::exchange(keys.at(listener.victim), std::nullopt);
-        if (key && key->pipeline == pipeline && !(inUse && inUse->serial == key->serial)) {
-            deferred.push_back(key->token);
+            keys.run(cached->listeners);
         }
     }
 }
@@ -545,17 +511,15 @@ void Model::handleArrivals() {
 void Model::afterDispatch() {
     modem.lookAhead();
     do {
-        while (!deferred.empty()) {
-            const auto token = deferred.front();
-            deferred.pop_front();
+        while (const auto token = keys.takeDeferred()) {
             if (!isBlocked) {
-                release(token);
+                release(*token);
             }
         }
         if (modem.isSignalled) {
             handleArrivals();
         }
-    } while (!deferred.empty() || modem.isSignalled);
+    } while (keys.hasDeferred() || modem.isSignalled);
 }
 
 }  // namespace coherence

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <list>
 #include <map>
 #include <optional>
@@ -13,6 +12,7 @@
 
 #include "Exceptions.h"
 #include "Image.h"
+#include "KeyRing.h"
 #include "ModelModem.h"
 #include "vela/ProfileParams.h"
 
@@ -52,7 +52,7 @@ class Model {
     std::vector<std::uint64_t> filter(const vela::FilterProfileParams& params);
     void drop(unsigned slot);
     /** Someone holds the slot's key for a while, whatever listeners drop meanwhile. */
-    void use(unsigned slot);
+    void use(unsigned slot) { keys.use(slot); }
     void endUse();
     void dropToken(std::uint64_t token);
     /** A listener that drops the key in `victim` when it runs. */
@@ -94,29 +94,16 @@ class Model {
     bool isHealed() const;
 
   private:
-    struct Key {
-        std::uint64_t token = 0;
-        ProfileId id;
-        std::uint64_t serial = 0;
-        std::uint64_t pipeline = 0;
-    };
-    struct Listener {
-        int number = 0;
-        unsigned slot = 0;
-        std::uint64_t serial = 0;  // of the key that must live
-        unsigned victim = 0;
-    };
     struct Entry {
         ProfileId id;
         Image image;
         bool isPersistent = true;
         bool isVelaCreated = false;
         int count = 0;
-        std::vector<Listener> listeners;
+        KeyRing::Listeners listeners;
     };
     using Cached = std::optional<Entry>;  // empty: what could not be read
 
-    bool isAlive(const Listener& listener) const;
     /** The entry that the key in the slot names; null when there is none. */
     Cached* look(unsigned slot);
     const Entry* look(unsigned slot) const;
@@ -130,7 +117,6 @@ class Model {
     void onForeignChange(ProfileId id);
 
     void expire(std::vector<Cached> dying);
-    void run(const std::vector<Listener>& listeners);
     void follow(const Arrival::Change& change);
     void replace(ProfileId id);
     void handleArrivals();
@@ -142,15 +128,10 @@ class Model {
     std::list<Arrival::Change> pending;
     bool isBlocked = false;
 
-    std::vector<std::optional<Key>> keys{kSlots};
-    std::optional<Key> inUse;
-    std::deque<std::uint64_t> deferred;   // releases of keys that listeners dropped
-    std::deque<int> calls;                // of listeners, not accounted for yet
+    KeyRing keys{kSlots};
     std::vector<std::uint64_t> mapOrder;  // in which the library walks its cache
     velasim::JournalEntry delivery;
     std::uint64_t nextToken = 0;
-    std::uint64_t nextSerial = 0;
-    std::uint64_t pipeline = 0;
 };
 
 }  // namespace coherence

@@ -10,20 +10,14 @@
 #include <map>
 #include <optional>
 #include <set>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "Exceptions.h"
 #include "Image.h"
+#include "Mismatch.h"
 
 namespace coherence {
-
-/** What happened is not what was promised. */
-class Mismatch : public std::runtime_error {
-  public:
-    using runtime_error::runtime_error;
-};
 
 /** The library's numbers for what an indication says has happened. */
 enum class Event { Create, Delete, Modify, SubscriptionChange, ProfileReady };
