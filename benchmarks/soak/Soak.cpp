@@ -49,8 +49,7 @@ double megabytes(std::uint64_t bytes) {
     return static_cast<double>(bytes) / (1 << 20);
 }
 
-/** One thread's keys; each holds its profile for as long as the thread likes. */
-using Keys = std::vector<std::shared_ptr<vela::IProfileKey>>;
+using Key = std::shared_ptr<vela::IProfileKey>;
 
 vela::AddProfileParams someProfile(velasim::Random& random, const std::string& name) {
     vela::AddProfileParams params(random.chance(0.1), static_cast<vela::TechType>(random.below(2)),
@@ -101,11 +100,93 @@ bool Soak::run() {
     return report(before, after, took.count());
 }
 
+/** One thread of radio software, which calls by chance and holds some keys. */
+class Soak::Client {
+  public:
+    Client(Soak& soak, std::uint64_t number)
+        : soak(soak),
+          name("client" + std::to_string(number)),
+          random(soak.options.seed * 1000 + number + soak.asked) {
+        own.setApnName(name);
+    }
+
+    void run(std::uint64_t requests) {
+        for (std::uint64_t i = 0; i < requests; ++i) {
+            const auto key = keys.empty() ? nullptr : keys[random.below(keys.size())];
+            call(key);
+            std::erase(keys, nullptr);
+            while (keys.size() > kKeysPerThread) {
+                dropOne();
+            }
+        }
+        while (!keys.empty()) {
+            dropOne();
+        }
+    }
+
+  private:
+    void call(const Key& key) {
+        vela::Manager& manager = soak.manager;
+        switch (random.below(key ? 8 : 2)) {
+            case 0:
+                return ask([&] { keys.push_back(manager.addProfile(someProfile(random, name))); });
+            case 1:
+                return ask([&] {
+                    const auto found = manager.filter(own);
+                    keys.insert(keys.end(), found.begin(), found.end());
+                });
+            case 2:
+                return ask([&] { manager.getProfile(key); });
+            case 3:
+                return ask([&] {
+                    const auto profile = someProfile(random, name);
+                    manager.modifyProfile(vela::ModifyProfileParams(profile), key);
+                });
+            case 4:
+                return ask([&] { manager.match(own, key); });
+            case 5:
+                return ask([&] { manager.deleteProfile(key); });
+            case 6:
+                return ask([&] {
+                    key->registerExpirationListener([&soak = soak] { ++soak.expirations; });
+                });
+            default:
+                dropOne();
+        }
+    }
+
+    void dropOne() {
+        if (!keys.empty()) {
+            std::swap(keys[random.below(keys.size())], keys.back());
+            ask([&] { keys.pop_back(); });
+        }
+    }
+
+    template <typename Request>
+    void ask(Request request) {
+        const auto count = ++soak.asked;
+        if (count % kRequestsPerChange == 0) {
+            soak.changesDue.release();
+        }
+        if (count % kRequestsPerRestart == 0) {
+            soak.restartsDue.release();
+        }
+        request();
+        ++soak.answered;
+    }
+
+    Soak& soak;
+    const std::string name;
+    velasim::Random random;
+    vela::FilterProfileParams own;
+    std::vector<Key> keys;
+};
+
 void Soak::phase(std::uint64_t requests) {
     std::vector<std::future<void>> clients;
     for (std::uint64_t number = 0; number < options.threads; ++number) {
         clients.push_back(std::async(std::launch::async, [this, number, requests] {
-            client(number, requests / options.threads);
+            Client(*this, number).run(requests / options.threads);
         }));
     }
     for (auto& one : clients) {
@@ -119,72 +200,6 @@ void Soak::phase(std::uint64_t requests) {
             }
             seen = answered;
         }
-    }
-}
-
-void Soak::client(std::uint64_t number, std::uint64_t requests) {
-    velasim::Random random(options.seed * 1000 + number + asked);
-    const auto name = "client" + std::to_string(number);
-    Keys keys;
-    const auto ask = [&](auto request) {
-        const auto count = ++asked;
-        if (count % kRequestsPerChange == 0) {
-            changesDue.release();
-        }
-        if (count % kRequestsPerRestart == 0) {
-            restartsDue.release();
-        }
-        request();
-        ++answered;
-    };
-    const auto dropOne = [&] {
-        if (!keys.empty()) {
-            std::swap(keys[random.below(keys.size())], keys.back());
-            ask([&] { keys.pop_back(); });
-        }
-    };
-    vela::FilterProfileParams own;
-    own.setApnName(name);
-    for (std::uint64_t i = 0; i < requests; ++i) {
-        const auto key = keys.empty() ? nullptr : keys[random.below(keys.size())];
-        switch (random.below(key ? 8 : 2)) {
-            case 0:
-                ask([&] { keys.push_back(manager.addProfile(someProfile(random, name))); });
-                break;
-            case 1:
-                ask([&] {
-                    const auto found = manager.filter(own);
-                    keys.insert(keys.end(), found.begin(), found.end());
-                });
-                break;
-            case 2:
-                ask([&] { manager.getProfile(key); });
-                break;
-            case 3:
-                ask([&] {
-                    const auto profile = someProfile(random, name);
-                    manager.modifyProfile(vela::ModifyProfileParams(profile), key);
-                });
-                break;
-            case 4:
-                ask([&] { manager.match(own, key); });
-                break;
-            case 5:
-                ask([&] { manager.deleteProfile(key); });
-                break;
-            case 6:
-                ask([&] { key->registerExpirationListener([this] { ++expirations; }); });
-                break;
-            default:
-                dropOne();
-        }
-        std::erase(keys, nullptr);
-        while (keys.size() > kKeysPerThread) {
-            dropOne();
-        }
-    }
-    while (!keys.empty()) {
-        dropOne();
     }
 }
 
@@ -245,10 +260,10 @@ Soak::Sample Soak::sample() {
 }
 
 bool Soak::report(const Sample& before, const Sample& after, double seconds) const {
-    const auto measured = static_cast<double>(options.requests - options.requests / 5);
-    std::printf("%" PRIu64 " requests of %" PRIu64 " threads, %" PRIu64
-                " answered; %.0f requests/s\n",
-                asked.load(), options.threads, answered.load(), measured / seconds);
+    const std::uint64_t measured = options.requests - options.requests / 5;
+    std::printf(
+        "%" PRIu64 " requests of %" PRIu64 " threads, %" PRIu64 " answered; %.0f requests/s\n",
+        asked.load(), options.threads, answered.load(), static_cast<double>(measured) / seconds);
     std::printf("%" PRIu64 " changes by a second writer, %" PRIu64 " restarts, %" PRIu64
                 " expirations, %" PRIu64 " answers mixed up\n",
                 foreignChanges, restarts, expirations.load(), mixedUp.load());

@@ -37,13 +37,14 @@ class Soak {
     bool run();
 
   private:
+    class Client;
+
     struct Sample {
         Resources resources;
         std::size_t pendingRecords = 0;
     };
 
     void phase(std::uint64_t requests);
-    void client(std::uint64_t number, std::uint64_t requests);
     void secondWriter();
     void restarter();
     void change(velasim::Random& random);
