@@ -126,26 +126,26 @@ class Soak::Client {
 
   private:
     void call(const Key& key) {
-        vela::Manager& manager = soak.manager;
+        vela::Manager& library = soak.manager;
         switch (random.below(key ? 8 : 2)) {
             case 0:
-                return ask([&] { keys.push_back(manager.addProfile(someProfile(random, name))); });
+                return ask([&] { keys.push_back(library.addProfile(someProfile(random, name))); });
             case 1:
                 return ask([&] {
-                    const auto found = manager.filter(own);
+                    const auto found = library.filter(own);
                     keys.insert(keys.end(), found.begin(), found.end());
                 });
             case 2:
-                return ask([&] { manager.getProfile(key); });
+                return ask([&] { library.getProfile(key); });
             case 3:
                 return ask([&] {
                     const auto profile = someProfile(random, name);
-                    manager.modifyProfile(vela::ModifyProfileParams(profile), key);
+                    library.modifyProfile(vela::ModifyProfileParams(profile), key);
                 });
             case 4:
-                return ask([&] { manager.match(own, key); });
+                return ask([&] { library.match(own, key); });
             case 5:
-                return ask([&] { manager.deleteProfile(key); });
+                return ask([&] { library.deleteProfile(key); });
             case 6:
                 return ask([&] {
                     key->registerExpirationListener([&soak = soak] { ++soak.expirations; });
