@@ -140,6 +140,10 @@ TEST(OperatorFile, WhatAProfileCannotHoldIsRefusedAndWhatItHasNoFieldForIsNamed)
 TEST(OperatorFile, ErrorsNameFileLineAndColumn) {
     EXPECT_THAT(errorOf("<apns>\n  <apn mcc='1'\n</apns>"), HasSubstr("test.xml:3:1: broken XML"));
     EXPECT_THAT(errorOf("\n<html/>"), HasSubstr("test.xml:2:2: the root element is <html>"));
+    EXPECT_THAT(errorOf("<apns/>\n<apns/>"), HasSubstr("test.xml:2:2: broken XML: a second root"));
+    EXPECT_THAT(errorOf("<apns/>\n\n x"), HasSubstr("test.xml:3:2: broken XML: text outside"));
+    EXPECT_THAT(errorOf("x<apns/>"), HasSubstr("test.xml:1:1: broken XML: text outside"));
+    EXPECT_THAT(errorOf("<!-- none -->"), HasSubstr("broken XML: no element"));
     EXPECT_THAT(errorOf(""), HasSubstr("empty"));
     EXPECT_THAT(errorOf(std::string("\xFF\xFE<\0", 4)), HasSubstr("UTF-8"));
 }
@@ -162,7 +166,8 @@ TEST(OperatorFile, KeepsTheFilesOrderAndLines) {
     EXPECT_THAT(found, testing::ElementsAre("001/02", "2one", "4three", "001/01 spn:Zwei", "3two",
                                             "6five"));
     EXPECT_EQ(file.strays().size(), 1U);
-    EXPECT_EQ(file.oddities().size(), 3U);
+    EXPECT_EQ(file.oddities().size(), 2U);
+    EXPECT_EQ(file.entries()[2].notes.back(), "what stands inside <apn> left out");
     EXPECT_EQ(file.find({"001", "01"}, "SPN:zwei").entries.size(), 2U);
 }
 

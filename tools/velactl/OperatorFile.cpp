@@ -3,12 +3,12 @@
 #include "OperatorFile.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <pugixml.hpp>
 
@@ -65,10 +65,25 @@ void requireText(std::string_view text, const std::string& name) {
     }
 }
 
+/** The root, or what stands in its place. A document is one element: an XML reader may not pass
+ * over what else there is. */
+pugi::xml_node soleRoot(const pugi::xml_document& document, pugi::xml_node& stranger) {
+    pugi::xml_node root;
+    for (const pugi::xml_node& node : document.children()) {
+        const bool isText = node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
+        if (isText || (node.type() == pugi::node_element && root)) {
+            stranger = node;
+            return root;
+        }
+        root = node.type() == pugi::node_element ? node : root;
+    }
+    return root;
+}
+
 pugi::xml_node parseRoot(pugi::xml_document& document, std::string_view text,
                          const std::string& name) {
-    const pugi::xml_parse_result result =
-        document.load_buffer(text.data(), text.size(), pugi::parse_default, pugi::encoding_utf8);
+    const pugi::xml_parse_result result = document.load_buffer(
+        text.data(), text.size(), pugi::parse_default | pugi::parse_fragment, pugi::encoding_utf8);
     Position position(text);
     const auto place = [&] {
         return name + ':' + std::to_string(position.line()) + ':' +
@@ -78,7 +93,18 @@ pugi::xml_node parseRoot(pugi::xml_document& document, std::string_view text,
         position.moveTo(static_cast<std::size_t>(std::max<std::ptrdiff_t>(result.offset, 0)));
         throw refused(place() + "broken XML: " + toLower(result.description()));
     }
-    const pugi::xml_node root = document.document_element();
+    pugi::xml_node stranger;
+    const pugi::xml_node root = soleRoot(document, stranger);
+    if (stranger) {
+        position.moveTo(offsetOf(stranger) + std::strspn(stranger.value(), " \t\r\n"));
+        throw refused(place() + "broken XML: " +
+                      (stranger.type() == pugi::node_element
+                           ? "a second root element, <" + printable(stranger.name()) + '>'
+                           : "text outside the root element"));
+    }
+    if (!root) {
+        throw refused(place() + "broken XML: no element; an operator file has <apns>");
+    }
     if (std::string_view(root.name()) != "apns") {
         position.moveTo(offsetOf(root));
         throw refused(place() + "the root element is <" + printable(root.name()) +
@@ -92,8 +118,13 @@ std::string readWhole(const std::string& path) {
         throw refused(path + ": is a directory; an operator file is needed");
     }
     std::ifstream in(path, std::ios::binary);
-    std::string text{std::istreambuf_iterator<char>(in), {}};
-    if (!in) {
+    std::string text;
+    std::array<char, 65536> block{};
+    // Not by iterators, which throw when the disk fails.
+    while (in.read(block.data(), block.size()) || in.gcount() > 0) {
+        text.append(block.data(), static_cast<std::size_t>(in.gcount()));
+    }
+    if (!in.is_open() || in.bad()) {
         throw refused(path + ": cannot be read: " + std::strerror(errno));
     }
     return text;
@@ -202,7 +233,7 @@ OperatorFile OperatorFile::parse(std::string_view text, const std::string& name)
         } else {
             file.all.push_back(OperatorEntry::read(attributesOf(node), position.line()));
             if (node.first_child()) {
-                file.odd.push_back(line + "what stands inside <apn> left out");
+                file.all.back().notes.emplace_back("what stands inside <apn> left out");
             }
         }
     }
