@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <fstream>
 
 #include "OperatorFile.h"
 #include "ToolRun.h"
@@ -98,6 +99,74 @@ TEST_F(Provision, AFullModemIsSaidAndStillStable) {
     EXPECT_EQ(first.status, 1);
     EXPECT_THAT(first.err, HasSubstr("2 entries found no place in the modem"));
     EXPECT_THAT(run(arguments).out, HasSubstr("Nothing changed"));
+}
+
+/** What a run for one operator tells must also stand in the survey. */
+class OwnOperator : public Provision {
+  protected:
+    ToolRun provisionOwn(const std::string& content, std::vector<std::string> arguments) const {
+        const std::string file = directory / "own.xml";
+        std::ofstream(file) << "<apns>" << content << "</apns>";
+        arguments.insert(arguments.begin(), {"provision", "--apns", file});
+        if (arguments.back() == "--all") {
+            return runTool(arguments);
+        }
+        arguments.insert(arguments.end(), {"--plmn", "00101"});
+        return run(arguments);
+    }
+};
+
+TEST_F(OwnOperator, TheSurveyTellsWhatTheSingleRunTells) {
+    struct Case {
+        std::string entries;
+        std::vector<std::string> options;
+        int status;
+        const char* told;
+    };
+    const std::string start = R"(<apn mcc="001" mnc="01" carrier="C" apn=)";
+    const std::string inet = R"( type="default" modem_cognitive="true" )";
+    const Case cases[] = {
+        {start + R"("ims" type="ims,ia" modem_cognitive="true" profile_id="2"/>)",
+         {"--capacity", "1"},
+         1,
+         "no profile for it: the modem refused to create a profile: table full"},
+        {start + R"("a")" + inet + "/>" + start + R"("b")" + inet + "/>",
+         {},
+         0,
+         "class INET is another entry's"},
+        {start + R"("a" type="mms"/>)", {}, 0, "no entry of type ia or default"},
+        {start + R"("a" type="mms" mmsc="x"/>)", {"--explain"}, 0, "no field for mmsc"},
+        {start + R"("a" type="mms" mmsc="x"/>)", {"--json"}, 0, "\"not_sent\""},
+        {start + R"("a" type="mms"/><other/>)", {}, 0, "line 1: element <other> left out"},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.told);
+        std::filesystem::remove(modem);
+        auto options = each.options;
+        const ToolRun single = provisionOwn(each.entries, options);
+        EXPECT_EQ(single.status, each.status) << single.err;
+        EXPECT_THAT(single.out, HasSubstr(each.told));
+        EXPECT_EQ(single.err.find("attach: no profile") != std::string::npos, each.status == 1);
+        options.emplace_back("--all");
+        const ToolRun survey = provisionOwn(each.entries, options);
+        EXPECT_EQ(survey.status, each.status) << survey.err;
+        EXPECT_THAT(survey.out, HasSubstr(each.told));
+    }
+}
+
+TEST_F(OwnOperator, ARewrittenProfileKeepsNothingInSilence) {
+    run({"add", "--apn", "old", "--class", "INET", "--user", "joe", "--password", "pw",
+         "--disabled"});
+    const std::string entry =
+        R"(<apn mcc="001" mnc="01" apn="new" type="default" modem_cognitive="true"/>)";
+    const auto first = provisionOwn(entry, {"--json"}).json()["entries"][0];
+    EXPECT_EQ(first["outcome"], "rewritten");
+    EXPECT_EQ(first["text"], "rewritten: profile 1, class INET");
+    const nlohmann::json leftOver{"but profile 1 has user=joe, password=***, disabled=yes"};
+    EXPECT_EQ(first["oddities"], leftOver);
+    const auto second = provisionOwn(entry, {"--json"}).json()["entries"][0];
+    EXPECT_EQ(second["outcome"], "held");
+    EXPECT_EQ(second["oddities"], leftOver);
 }
 
 TEST(ProvisionAll, CountsEveryEntryAndChangesNothingASecondTime) {

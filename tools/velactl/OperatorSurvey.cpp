@@ -20,22 +20,6 @@ std::string rounded(double seconds) {
     return text;
 }
 
-std::vector<std::string> odditiesOf(const ProvisionResult& result) {
-    std::vector<std::string> lines;
-    for (const EntryOutcome& outcome : result.entries) {
-        const std::string start = entryText(*outcome.entry) + ": ";
-        if (outcome.kind == Kind::Refused) {
-            lines.push_back(start + "not possible: " + outcome.text);
-        } else if (outcome.kind == Kind::Missing) {
-            lines.push_back(start + outcome.text);
-        }
-        for (const std::string& note : outcome.entry->notes) {
-            lines.push_back(start + note);
-        }
-    }
-    return lines;
-}
-
 }  // namespace
 
 void OperatorSurvey::odd(const Operator& candidate, std::vector<std::string> lines) {
@@ -54,11 +38,16 @@ void OperatorSurvey::add(const Operator& candidate, const ProvisionResult& resul
     ++(candidate.mvnoType.empty() ? hosts : virtuals);
     entries += result.entries.size();
     added += result.count(Kind::Added);
-    shared += result.count(Kind::Shared) + result.count(Kind::Held);
+    shared += result.count(Kind::Shared) + result.count(Kind::Held) + result.count(Kind::Rewritten);
     refusedEntries += result.count(Kind::Refused);
     missing += result.count(Kind::Missing);
+    unattached += result.attach.kind == AttachOutcome::Kind::Missing ? 1U : 0U;
+    failed += result.isDone() ? 0U : 1U;
     requests += result.writes;
-    std::vector<std::string> lines = odditiesOf(result);
+    if (!output.isText()) {
+        operators.push_back(toJson(output, candidate, result));
+    }
+    std::vector<std::string> lines = odditiesOf(result, isExplained);
     for (const std::string& line : disagreements) {
         ++wrong;
         lines.push_back("library and modem disagree: " + line);
@@ -78,12 +67,19 @@ void OperatorSurvey::addSecond(const Operator& candidate, const ProvisionResult&
 }
 
 Json OperatorSurvey::totals(double seconds) const {
-    return {{"operators", hosts},         {"virtual_operators", virtuals},
-            {"entries", entries},         {"added", added},
-            {"shared", shared},           {"not_possible", refusedEntries},
-            {"no_place", missing},        {"without_operator", file.strays().size()},
-            {"requests", requests},       {"wrong", wrong},
-            {"provisioned_twice", twice}, {"seconds", seconds}};
+    return {{"operators", hosts},
+            {"virtual_operators", virtuals},
+            {"entries", entries},
+            {"added", added},
+            {"shared", shared},
+            {"not_possible", refusedEntries},
+            {"no_place", missing},
+            {"without_operator", file.strays().size()},
+            {"without_attach", unattached},
+            {"requests", requests},
+            {"wrong", wrong},
+            {"provisioned_twice", twice},
+            {"seconds", seconds}};
 }
 
 bool OperatorSurvey::report(double seconds) {
@@ -112,6 +108,10 @@ bool OperatorSurvey::report(double seconds) {
                 " share a profile with another, " + grouped(refusedEntries) +
                 " cannot be a profile, " + grouped(missing) + " found no place" +
                 (missing == 0 ? "" : " in modems of this --capacity"));
+    if (unattached != 0) {
+        output.line("  " + counted(unattached, "operator") +
+                    " without the attach profile asked for");
+    }
     output.line("  " + counted(file.strays().size(), "entry") + " of no operator; " +
                 counted(oddities.size(), "operator") + " with oddities");
     if (twice != 0) {
@@ -119,9 +119,10 @@ bool OperatorSurvey::report(double seconds) {
                     std::string(wrong == 0 ? "nothing changed" : "see above"));
     }
     output.document() = {{"totals", totals(seconds)},
+                         {"operators", std::move(operators)},
                          {"oddities", std::move(list)},
                          {"of_no_operator", std::move(others)}};
-    return missing == 0 && wrong == 0;
+    return failed == 0 && wrong == 0;
 }
 
 }  // namespace velactl

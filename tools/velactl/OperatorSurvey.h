@@ -14,8 +14,9 @@ namespace velactl {
 /** Sums up the provisioning of all operators of a file: totals, and what was odd for whom. */
 class OperatorSurvey {
   public:
-    /** Both must outlive the survey. */
-    OperatorSurvey(Output& output, const OperatorFile& file) : output(output), file(file) {}
+    /** Output and file must outlive the survey. */
+    OperatorSurvey(Output& output, const OperatorFile& file, bool isExplained)
+        : output(output), file(file), isExplained(isExplained) {}
 
     void add(const Operator& candidate, const ProvisionResult& result,
              const std::vector<std::string>& disagreements);
@@ -32,6 +33,7 @@ class OperatorSurvey {
 
     Output& output;
     const OperatorFile& file;
+    const bool isExplained;
     std::size_t hosts = 0;
     std::size_t virtuals = 0;
     std::size_t entries = 0;
@@ -39,9 +41,13 @@ class OperatorSurvey {
     std::size_t shared = 0;
     std::size_t refusedEntries = 0;
     std::size_t missing = 0;
+    std::size_t unattached = 0;
+    std::size_t failed = 0;
     std::size_t requests = 0;
     std::size_t wrong = 0;
     std::size_t twice = 0;
+    /** Of each operator, for JSON. */
+    Json operators = Json::array();
     /** Operators and what is odd about them, in the file's order. */
     std::vector<std::pair<std::string, std::vector<std::string>>> oddities;
 };

@@ -43,7 +43,7 @@ Exit ProvisionCommand::runOne(const Context& context, const OperatorFile& file) 
     const Operator candidate = source.findIn(file);
     Workbench bench = context.openWorkbench();
     const ProvisionResult result = Provisioner(bench).run(candidate, context.output.showSecrets());
-    reportProvisioning(context.output, candidate, result, isExplained);
+    reportProvisioning(context.output, candidate, result, file, isExplained);
     const bool areEqual = context.tellAgreement(bench);
     context.save(bench);
     const std::size_t missing = result.count(Kind::Missing);
@@ -51,24 +51,28 @@ Exit ProvisionCommand::runOne(const Context& context, const OperatorFile& file) 
         context.output.note(counted(missing, "entry") + " found no place in the modem" +
                             (result.refusals.empty() ? "" : ": " + result.refusals.back()));
     }
+    for (const std::string& failure : result.failures()) {
+        context.output.note(failure);
+    }
     if (result.count(Kind::Refused) == result.entries.size()) {
         context.output.note("no entry of " + candidate.name() + " can be a profile");
         return Exit::Refused;
     }
-    return missing == 0 && areEqual ? Exit::Done : Exit::Refused;
+    return result.isDone() && areEqual ? Exit::Done : Exit::Refused;
 }
 
 Exit ProvisionCommand::runAll(const Context& context, const OperatorFile& file) {
     const auto start = std::chrono::steady_clock::now();
     const std::vector<Operator> operators = file.operators();
-    OperatorSurvey survey(context.output, file);
+    OperatorSurvey survey(context.output, file, isExplained);
     {
         Progress progress(context.err, context.isWatched, operators.size());
         for (const Operator& candidate : operators) {
             progress.next(candidate.name());
             Workbench bench = context.openWorkbench();
             Provisioner provisioner(bench);
-            survey.add(candidate, provisioner.run(candidate, false), bench.disagreements());
+            survey.add(candidate, provisioner.run(candidate, context.output.showSecrets()),
+                       bench.disagreements());
             if (isTwice) {
                 survey.addSecond(candidate, provisioner.run(candidate, false));
             }

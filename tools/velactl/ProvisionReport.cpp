@@ -18,6 +18,8 @@ constexpr const char* kindName(Kind kind) {
             return "added";
         case Kind::Held:
             return "held";
+        case Kind::Rewritten:
+            return "rewritten";
         case Kind::Shared:
             return "shared";
         case Kind::Missing:
@@ -28,23 +30,44 @@ constexpr const char* kindName(Kind kind) {
     return "refused";
 }
 
-std::string remarks(const OperatorEntry& entry, bool isExplained) {
-    std::vector<std::string> parts = entry.notes;
+constexpr const char* kindName(AttachOutcome::Kind kind) {
+    switch (kind) {
+        case AttachOutcome::Kind::NotAsked:
+            return "not asked for";
+        case AttachOutcome::Kind::Serves:
+            return "serves";
+        case AttachOutcome::Kind::Found:
+            return "found";
+        case AttachOutcome::Kind::Created:
+            return "created";
+        case AttachOutcome::Kind::Missing:
+            break;
+    }
+    return "missing";
+}
+
+/** What is odd about the entry or its profile. */
+std::vector<std::string> remarks(const EntryOutcome& outcome, bool isExplained) {
+    const OperatorEntry& entry = *outcome.entry;
+    std::vector<std::string> parts = outcome.oddities;
+    parts.insert(parts.end(), entry.notes.begin(), entry.notes.end());
     if (isExplained && !entry.notSent.empty()) {
         parts.push_back("a profile has no field for " + join(entry.notSent, ", "));
     }
-    return join(parts, "; ");
+    return parts;
+}
+
+std::string outcomeText(const EntryOutcome& outcome) {
+    return (outcome.kind == Kind::Refused ? "not possible: " : "") + outcome.text;
 }
 
 void entriesAsText(Output& output, const ProvisionResult& result, bool isExplained) {
     Table table({"LINE", "CARRIER", "APN", "TYPES", "WHAT BECAME OF IT", "REMARKS"});
     for (const EntryOutcome& outcome : result.entries) {
         const OperatorEntry& entry = *outcome.entry;
-        const std::string text =
-            outcome.kind == Kind::Refused ? "not possible: " + outcome.text : outcome.text;
         table.add({std::to_string(entry.line), printable(entry.carrier),
-                   printable(entry.params.getApnName()), typesText(entry.types), text,
-                   remarks(entry, isExplained)});
+                   printable(entry.params.getApnName()), typesText(entry.types),
+                   outcomeText(outcome), join(remarks(outcome, isExplained), "; ")});
     }
     output.line("Entries:");
     if (output.isText()) {
@@ -60,6 +83,7 @@ Json entriesAsJson(const Output& output, const ProvisionResult& result) {
                   {"carrier", entry.carrier},
                   {"outcome", kindName(outcome.kind)},
                   {"text", outcome.text},
+                  {"oddities", outcome.oddities},
                   {"wanted", toJson(entry.profile(), output.showSecrets())},
                   {"notes", entry.notes},
                   {"not_sent", entry.notSent}};
@@ -97,13 +121,48 @@ std::string entryText(const OperatorEntry& entry) {
            printable(entry.carrier) + ')';
 }
 
+std::vector<std::string> odditiesOf(const ProvisionResult& result, bool isExplained) {
+    std::vector<std::string> lines;
+    for (const EntryOutcome& outcome : result.entries) {
+        const std::string start = entryText(*outcome.entry) + ": ";
+        if (outcome.index == 0) {
+            lines.push_back(start + outcomeText(outcome));
+        }
+        for (const std::string& remark : remarks(outcome, isExplained)) {
+            lines.push_back(start + remark);
+        }
+    }
+    if (result.attach.kind == AttachOutcome::Kind::NotAsked) {
+        lines.push_back("attach: " + result.attach.text);
+    }
+    const auto failures = result.failures();
+    lines.insert(lines.end(), failures.begin(), failures.end());
+    return lines;
+}
+
+Json toJson(const Output& output, const Operator& candidate, const ProvisionResult& result) {
+    return {{"operator", candidate.name()},
+            {"carrier", candidate.carrier()},
+            {"entries", entriesAsJson(output, result)},
+            {"attach", result.attach.text},
+            {"attach_outcome", kindName(result.attach.kind)},
+            {"requests", result.writes},
+            {"refusals", result.refusals}};
+}
+
 void reportProvisioning(Output& output, const Operator& candidate, const ProvisionResult& result,
-                        bool isExplained) {
+                        const OperatorFile& file, bool isExplained) {
     output.line("Operator " + candidate.name() + ", " + printable(candidate.carrier()) + ": " +
                 counted(candidate.entries.size(), "entry") + '.');
     output.profiles("Before:", result.before);
     entriesAsText(output, result, isExplained);
-    output.line("Attach: " + result.attach + '.');
+    output.line("Attach: " + result.attach.text + '.');
+    if (!file.oddities().empty()) {
+        output.line("Elsewhere in " + file.name() + ":");
+    }
+    for (const std::string& line : file.oddities()) {
+        output.line("  " + line);
+    }
     output.line(summary(result));
     if (!result.changes.empty()) {
         const auto others = rewritten(result.changes);
@@ -113,15 +172,11 @@ void reportProvisioning(Output& output, const Operator& candidate, const Provisi
         output.profiles("After:", result.after);
     }
     Json& document = output.document();
-    document["operator"] = candidate.name();
-    document["carrier"] = candidate.carrier();
+    document = toJson(output, candidate, result);
     document["before"] = output.toJson(result.before);
-    document["entries"] = entriesAsJson(output, result);
-    document["attach"] = result.attach;
     document["changes"] = output.toJson(result.changes);
     document["after"] = output.toJson(result.after);
-    document["requests"] = result.writes;
-    document["refusals"] = result.refusals;
+    document["file_oddities"] = file.oddities();
 }
 
 }  // namespace velactl

@@ -21,17 +21,49 @@ using vela::TechType;
 
 /** What the entry asks for must be there; credentials and a ban that it does not ask for must not.
  */
+bool differs(const ProfileField& field, const ProfileParams& profile, const ProfileParams& wanted) {
+    const std::string_view key = field.key;
+    if (key == "apn") {
+        return !sameLetters(profile.getApnName(), wanted.getApnName());
+    }
+    if (const Json value = field.value(wanted); !value.is_null()) {
+        return value != field.value(profile);
+    }
+    return (key == "user" && !profile.getUserName().empty()) ||
+           (key == "password" && !profile.getPassword().empty()) ||
+           (key == "disabled" && profile.getIsApnDisabled());
+}
+
 bool holds(const ProfileParams& profile, const ProfileParams& wanted) {
+    const auto& fields = profileFields();
+    return std::none_of(fields.begin(), fields.end(),
+                        [&](const ProfileField& field) { return differs(field, profile, wanted); });
+}
+
+/** "disabled=yes, home_ip=IPv6 instead of IPv4" */
+std::string differencesText(const ProfileParams& profile, const ProfileParams& wanted,
+                            bool showSecrets) {
+    std::vector<std::string> parts;
     for (const ProfileField& field : profileFields()) {
-        const Json value = field.value(wanted);
-        const bool isApnName = std::string_view(field.key) == "apn";  // compared by the library
-        if (!value.is_null() && !isApnName && value != field.value(profile)) {
-            return false;
+        if (differs(field, profile, wanted)) {
+            const std::string asked = fieldText(field, wanted, showSecrets);
+            const std::string held = fieldText(field, profile, showSecrets);
+            parts.push_back(std::string(field.key) + '=' + (held.empty() ? "(absent)" : held) +
+                            (asked.empty() ? "" : " instead of " + asked));
         }
     }
-    return profile.getUserName() == wanted.getUserName() &&
-           profile.getPassword() == wanted.getPassword() &&
-           profile.getIsApnDisabled() == wanted.getIsApnDisabled();
+    return join(parts, ", ");
+}
+
+/** Whether more than its types has changed: those are all entries' affair. */
+bool isRewritten(const ProvisionResult& result, int index) {
+    return std::any_of(
+        result.changes.begin(), result.changes.end(), [index](const ProfileChange& change) {
+            return change.kind == ProfileChange::Kind::Changed && change.record.index == index &&
+                   change.record.tech == TechType::TECH_3GPP &&
+                   std::any_of(change.fields.begin(), change.fields.end(),
+                               [](const auto& field) { return field.key != "types"; });
+        });
 }
 
 vela::FilterProfileParams named(const std::string& apnName) {
@@ -64,6 +96,16 @@ std::size_t ProvisionResult::count(Kind kind) const {
                       [kind](const EntryOutcome& outcome) { return outcome.kind == kind; }));
 }
 
+std::vector<std::string> ProvisionResult::failures() const {
+    if (attach.kind == AttachOutcome::Kind::Missing) {
+        return {"attach: " + attach.text};
+    }
+    if (refusals.empty() || count(Kind::Missing) != 0) {
+        return {};
+    }
+    return {counted(refusals.size(), "request") + " in vain: " + refusals.back()};
+}
+
 const OperatorEntry* Provisioner::attachEntry(const std::vector<const OperatorEntry*>& entries) {
     for (const vela::ApnTypes type : {vela::ApnTypes::IA, vela::ApnTypes::DEFAULT}) {
         for (const OperatorEntry* entry : entries) {
@@ -94,6 +136,7 @@ ProvisionResult Provisioner::run(const Operator& candidate, bool showSecrets) {
         if (outcome.kind == Kind::Missing && outcome.text.empty()) {
             outcome = outcomeOfOwner(*outcome.entry);
         }
+        judge(outcome, showSecrets);
     }
     return std::exchange(result, {});
 }
@@ -135,23 +178,25 @@ int Provisioner::servingAttach(const OperatorEntry& entry) {
     return 0;
 }
 
-std::string Provisioner::provideAttach(const OperatorEntry* entry) {
+AttachOutcome Provisioner::provideAttach(const OperatorEntry* entry) {
+    using Attach = AttachOutcome::Kind;
     if (entry == nullptr) {
-        return "no entry of type ia or default: left as it is";
+        return {Attach::NotAsked, "no entry of type ia or default: left as it is"};
     }
     if (const int index = servingAttach(*entry); index != 0) {
-        return profileText(index) + " can serve it already";
+        return {Attach::Serves, profileText(index) + " can serve it already"};
     }
     const auto key = policies.findOrCreateProfileForLteAttach(entry->params);
     if (!key) {
-        return "no profile for it: " + collectTraffic();
+        return {Attach::Missing, "no profile for it: " + collectTraffic()};
     }
     const bool isFound = existed(key->getProfileId());
     if (!isFound) {
         made[key->getProfileId()] = entry;
     }
-    return profileText(key->getProfileId()) + (isFound ? " found" : " created") +
-           " for it, settings of line " + std::to_string(entry->line);
+    return {isFound ? Attach::Found : Attach::Created,
+            profileText(key->getProfileId()) + (isFound ? " found" : " created") +
+                " for it, settings of line " + std::to_string(entry->line)};
 }
 
 void Provisioner::keepAttach(const OperatorEntry* entry, const Operator& candidate) {
@@ -164,11 +209,10 @@ void Provisioner::keepAttach(const OperatorEntry* entry, const Operator& candida
 
 void Provisioner::addMissing(const Operator& candidate) {
     for (const OperatorEntry* entry : candidate.entries) {
-        const bool isOwner = std::find(owners.begin(), owners.end(), entry) != owners.end();
         collectTraffic();
         if (!entry->isUsable()) {
             result.entries.push_back({entry, Kind::Refused, 0, entry->refusal});
-        } else if (isOwner) {
+        } else if (isOwner(*entry)) {
             // Its class has been set; whether that worked is seen at the end.
             result.entries.push_back({entry, Kind::Missing, 0, ""});
         } else {
@@ -178,24 +222,22 @@ void Provisioner::addMissing(const Operator& candidate) {
 }
 
 EntryOutcome Provisioner::provide(const OperatorEntry& entry) {
-    const std::string classText =
-        entry.apnClass ? "; class " + word(*entry.apnClass) + " is another entry's" : "";
     if (const int index = holderOf(entry); index != 0) {
         const auto maker = made.find(index);
         if (maker == made.end()) {
-            return {&entry, Kind::Held, index, "held by " + profileText(index) + classText};
+            return {&entry, Kind::Held, index, "held by " + profileText(index)};
         }
         const bool isOwn = maker->second == &entry;
         return {&entry, isOwn ? Kind::Added : Kind::Shared, index,
                 isOwn ? "added as " + profileText(index) + ", for the attach"
                       : "shares " + profileText(index) + " with line " +
-                            std::to_string(maker->second->line) + classText};
+                            std::to_string(maker->second->line)};
     }
     const vela::AddProfileParams params(entry.withTypes(), true, TechType::TECH_3GPP, false);
     if (const auto key = bench.manager().addProfile(params)) {
         made[key->getProfileId()] = &entry;
         return {&entry, Kind::Added, key->getProfileId(),
-                "added as " + profileText(key->getProfileId()) + classText};
+                "added as " + profileText(key->getProfileId())};
     }
     return {&entry, Kind::Missing, 0, "not added: " + collectTraffic()};
 }
@@ -214,6 +256,33 @@ EntryOutcome Provisioner::outcomeOfOwner(const OperatorEntry& entry) const {
                    : EntryOutcome{&entry, Kind::Added, record.index, "added as " + profile + text};
     }
     return {&entry, Kind::Missing, 0, "not added" + text + ": no profile of its class"};
+}
+
+bool Provisioner::isOwner(const OperatorEntry& entry) const {
+    return std::find(owners.begin(), owners.end(), &entry) != owners.end();
+}
+
+void Provisioner::judge(EntryOutcome& outcome, bool showSecrets) const {
+    const OperatorEntry& entry = *outcome.entry;
+    const bool isOwned = isOwner(entry);
+    if (entry.isUsable() && entry.apnClass && !isOwned) {
+        outcome.oddities.push_back("class " + word(*entry.apnClass) + " is another entry's");
+    }
+    if (outcome.index == 0) {
+        return;
+    }
+    if (outcome.kind == Kind::Held && isRewritten(result, outcome.index)) {
+        outcome.kind = Kind::Rewritten;
+        outcome.text = "rewritten: " + profileText(outcome.index) +
+                       (isOwned ? ", class " + word(*entry.apnClass) : "");
+    }
+    const ProfileRecord* profile = findRecord(result.after, TechType::TECH_3GPP, outcome.index);
+    if (profile == nullptr) {
+        outcome.oddities.push_back(profileText(outcome.index) + " is no longer there");
+    } else if (!holds(profile->params, entry.params)) {
+        outcome.oddities.push_back("but " + profileText(outcome.index) + " has " +
+                                   differencesText(profile->params, entry.params, showSecrets));
+    }
 }
 
 void Provisioner::distributeTypes(const Operator& candidate) {

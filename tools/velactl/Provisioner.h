@@ -15,12 +15,23 @@ namespace velactl {
 
 /** What has become of one entry of the operator. */
 struct EntryOutcome {
-    enum class Kind { Added, Held, Shared, Missing, Refused };
+    enum class Kind { Added, Held, Rewritten, Shared, Missing, Refused };
 
     const OperatorEntry* entry = nullptr;
     Kind kind = Kind::Refused;
     /** The 3GPP profile that serves it; 0: none. */
     int index = 0;
+    /** In words. */
+    std::string text;
+    /** Where the profile is not what the entry asks for. */
+    std::vector<std::string> oddities = {};
+};
+
+/** What has become of the attach profile. */
+struct AttachOutcome {
+    enum class Kind { NotAsked, Serves, Found, Created, Missing };
+
+    Kind kind = Kind::NotAsked;
     /** In words. */
     std::string text;
 };
@@ -30,13 +41,15 @@ struct ProvisionResult {
     ProfileRecords after;
     std::vector<ProfileChange> changes;
     std::vector<EntryOutcome> entries;
-    /** What was decided about the attach. */
-    std::string attach;
+    AttachOutcome attach;
     /** Requests to change something, and those that the modem refused. */
     std::size_t writes = 0;
     std::vector<std::string> refusals;
 
     std::size_t count(EntryOutcome::Kind kind) const;
+    /** What went wrong, apart from entries without a profile. */
+    std::vector<std::string> failures() const;
+    bool isDone() const { return count(EntryOutcome::Kind::Missing) == 0 && failures().empty(); }
 };
 
 /**
@@ -62,7 +75,7 @@ class Provisioner {
   private:
     void chooseOwners(const Operator& candidate);
     void setClasses();
-    std::string provideAttach(const OperatorEntry* entry);
+    AttachOutcome provideAttach(const OperatorEntry* entry);
     /** Of a profile that somebody else made with an odd mix of IP types, any change can change how
      * it roams, and with that whether it serves the attach. */
     void keepAttach(const OperatorEntry* entry, const Operator& candidate);
@@ -73,6 +86,9 @@ class Provisioner {
 
     EntryOutcome provide(const OperatorEntry& entry);
     EntryOutcome outcomeOfOwner(const OperatorEntry& entry) const;
+    /** Compares what was decided on the way with what the modem holds in the end. */
+    void judge(EntryOutcome& outcome, bool showSecrets) const;
+    bool isOwner(const OperatorEntry& entry) const;
     /** The lowest index of a profile that has the entry's settings; 0: none. */
     int holderOf(const OperatorEntry& entry);
     bool existed(int index) const;
