@@ -31,9 +31,19 @@ std::string resultText(const ProfileRecords& before, const ProfileRecords& now,
            (isTemporary ? ", temporary" : "");
 }
 
+/** Of a policy that yields no profile. */
+std::string resultText(bool isDone, const std::vector<std::string>& refusals) {
+    if (!refusals.empty()) {
+        return "not done: " + refusals.back();
+    }
+    return isDone ? "done" : "no";
+}
+
+/** The first entry of these types that the operator has not disabled. */
 std::vector<const OperatorEntry*> firstOf(const Operator& candidate, unsigned int types) {
     for (const OperatorEntry* entry : candidate.entries) {
-        if (entry->isUsable() && (entry->types & types) == types) {
+        const bool isOpen = entry->isUsable() && !entry->params.getIsApnDisabled();
+        if (isOpen && (entry->types & types) == types) {
             return {entry};
         }
     }
@@ -109,11 +119,10 @@ Exit PolicyCommand::report(const Context& context, Workbench& bench, const Reque
     }
     if (decision.yieldsProfile) {
         document["result"] = decision.key ? resultText(before, now, *decision.key) : "no profile";
-        output.line("Result: " + document["result"].get_ref<const std::string&>());
     } else {
-        document["result"] = decision.isDone ? "done" : "no";
-        output.line(std::string("Result: ") + (decision.isDone ? "done" : "no"));
+        document["result"] = resultText(decision.isDone, traffic.refusals);
     }
+    output.line("Result: " + document["result"].get_ref<const std::string&>());
     output.line("Changed in the modem:");
     output.changes(changes);
     document["changes"] = output.toJson(changes);
