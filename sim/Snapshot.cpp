@@ -3,14 +3,17 @@
 #include "velasim/Snapshot.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <optional>
 
 #include "SettingsField.h"
 #include "SnapshotReader.h"
@@ -70,6 +73,48 @@ bool writeAll(int fd, std::string_view text) {
     return fsync(fd) == 0;
 }
 
+/** The file that a path leads to through symbolic links; it need not be there. */
+std::string targetOf(const std::string& path) {
+    constexpr int kMaxLinks = 40;
+    std::filesystem::path target = path;
+    std::error_code error;
+    for (int i = 0; i < kMaxLinks && std::filesystem::is_symlink(target, error); ++i) {
+        // An absolute link replaces all of it.
+        target = target.parent_path() / std::filesystem::read_symlink(target, error);
+    }
+    return target;
+}
+
+/** What is there to be replaced; sets errno and returns false when that may not be. Its permissions
+ * count even for those whom nothing stops. */
+bool mayReplace(const std::string& target, std::optional<struct stat>& present) {
+    constexpr mode_t kWritable = S_IWUSR | S_IWGRP | S_IWOTH;
+    struct stat status {};
+    if (stat(target.c_str(), &status) != 0) {
+        return errno == ENOENT;
+    }
+    present = status;
+    if (!S_ISREG(status.st_mode)) {
+        errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+        return false;
+    }
+    if ((status.st_mode & kWritable) == 0) {
+        errno = EACCES;
+        return false;
+    }
+    return access(target.c_str(), W_OK) == 0;
+}
+
+/** Gives the new file the old one's permissions, and its owner as far as that is allowed. */
+bool takeOver(int fd, const std::optional<struct stat>& present) {
+    constexpr mode_t kPermissions = 07777;
+    if (!present) {
+        return true;
+    }
+    [[maybe_unused]] const int owned = fchown(fd, present->st_uid, present->st_gid);
+    return fchmod(fd, present->st_mode & kPermissions) == 0;
+}
+
 std::string failure(const std::string& path, const char* what) {
     return path + ": " + what + ": " + std::strerror(errno);
 }
@@ -89,15 +134,15 @@ SnapshotResult Snapshot::parse(std::string_view text, std::string_view name) {
 
 SnapshotResult Snapshot::load(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
-    if (!file) {
+    std::string text;
+    std::array<char, 65536> block{};
+    while (file.read(block.data(), block.size()) || file.gcount() > 0) {
+        text.append(block.data(), static_cast<std::size_t>(file.gcount()));
+    }
+    if (!file.is_open() || file.bad()) {
         return {std::nullopt, failure(path, "cannot be read")};
     }
-    std::ostringstream text;
-    text << file.rdbuf();
-    if (text.bad()) {
-        return {std::nullopt, failure(path, "cannot be read")};
-    }
-    return parse(text.str(), path);
+    return parse(text, path);
 }
 
 std::string Snapshot::toJson() const {
@@ -112,14 +157,19 @@ std::string Snapshot::toJson() const {
 }
 
 std::string Snapshot::save(const std::string& path) const {
-    auto temporary = path + ".XXXXXX";
+    const std::string target = targetOf(path);
+    std::optional<struct stat> present;
+    if (!mayReplace(target, present)) {
+        return failure(path, "cannot be written");
+    }
+    auto temporary = target + ".XXXXXX";
     const int fd = mkostemp(temporary.data(), O_CLOEXEC);
     if (fd < 0) {
         return failure(path, "cannot be written");
     }
-    const bool isWritten = writeAll(fd, toJson());
+    const bool isWritten = takeOver(fd, present) && writeAll(fd, toJson());
     close(fd);
-    if (!isWritten || std::rename(temporary.c_str(), path.c_str()) != 0) {
+    if (!isWritten || std::rename(temporary.c_str(), target.c_str()) != 0) {
         auto error = failure(path, "cannot be written");
         unlink(temporary.c_str());
         return error;

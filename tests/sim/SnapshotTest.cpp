@@ -104,6 +104,31 @@ TEST_F(SnapshotTest, ErrorsNameTheFileThePlaceAndTheReason) {
     EXPECT_NE(Snapshot().save(folder / "none" / "x").find("No such file"), std::string::npos);
 }
 
+TEST_F(SnapshotTest, AFileIsReplacedAsWhatItIs) {
+    namespace fs = std::filesystem;
+    const auto modeOf = [](const fs::path& path) { return fs::status(path).permissions(); };
+    constexpr auto kShared = fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read;
+    constexpr auto kReadOnly = fs::perms::owner_read | fs::perms::group_read;
+    const fs::path link = folder / "link.json";
+    fs::create_symlink("modem.json", link);
+    ASSERT_EQ(Snapshot().save(link), "");  // the link leads nowhere yet
+    fs::permissions(file, kShared);
+    Snapshot snapshot;
+    snapshot.modems.resize(3);
+    ASSERT_EQ(snapshot.save(link), "");
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(modeOf(file), kShared);
+    EXPECT_EQ(Snapshot::load(file).snapshot.value().modems.size(), 3U);
+
+    fs::permissions(file, kReadOnly);
+    EXPECT_NE(Snapshot().save(link).find("Permission denied"), std::string::npos);
+    EXPECT_EQ(Snapshot::load(file).snapshot.value().modems.size(), 3U);
+    EXPECT_NE(Snapshot().save(folder).find("Is a directory"), std::string::npos);
+    EXPECT_NE(Snapshot::load(folder).error.find("Is a directory"), std::string::npos);
+    EXPECT_NE(Snapshot().save("/dev/null"), "");
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 2);
+}
+
 TEST_F(SnapshotTest, ASnapshotThatDoesNotFitChangesNothing) {
     Simulator simulator({.instances = 1});
     simulator.storeProfile(0, k3gpp, settingsWithApn("a"));

@@ -71,6 +71,7 @@ velasim::Snapshot SimulatedModem::load() {
     }
     const auto own = static_cast<std::size_t>(options.instance);
     if (options.capacity && own < memory.modems.size()) {
+        isResized = memory.modems[own].capacity != *options.capacity;
         memory.modems[own].capacity = *options.capacity;
     }
     return memory;
@@ -149,13 +150,14 @@ std::string SimulatedModem::save() {
         return {};
     }
     const velasim::Snapshot memory = sim->snapshot();
-    if (!isNew && memory.toJson() == savedMemory) {
+    if (!isNew && !isResized && memory.toJson() == savedMemory) {
         return {};
     }
     const std::string error = memory.save(options.file);
     if (!error.empty()) {
         throw refused(error);
     }
+    isResized = false;
     return std::exchange(isNew, false) ? options.file + ": created, a new modem" : std::string();
 }
 

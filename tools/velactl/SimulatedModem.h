@@ -47,6 +47,7 @@ class SimulatedModem : public Backend {
     const ModemOptions options;
     const LogSink sink;
     bool isNew = false;
+    bool isResized = false;
     bool isHeld = false;
     std::string savedMemory;
 

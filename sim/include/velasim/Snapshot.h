@@ -57,7 +57,8 @@ class VELASIM_API Snapshot {
     /** The JSON text. */
     std::string toJson() const;
 
-    /** Writes the file as a whole or not at all (a temporary file beside it is renamed). Returns
+    /** Writes the file as a whole or not at all (a temporary file beside it is renamed). Symbolic
+     * links are followed, permissions kept; a file without write permission is left alone. Returns
      * one line that names the file and what went wrong; empty on success. */
     std::string save(const std::string& path) const;
 };
