@@ -83,7 +83,7 @@ TEST_F(Tool, BadInputGetsOneClearLineAndLosesNothing) {
     const std::string operators = VELACTL_OPERATORS;
     const std::string broken = directory / "broken.xml";
     std::ofstream(broken) << "<apns>\n<apn mcc=>\n</apns>";
-    run({"add", "--apn", "kept"});
+    run({"--capacity", "1", "add", "--apn", "kept"});
     const std::string before = contentOf(modem);
     struct Case {
         std::vector<std::string> arguments;
@@ -97,6 +97,11 @@ TEST_F(Tool, BadInputGetsOneClearLineAndLosesNothing) {
         {{"delete", "1", "--tech", "3gpp2"}, 1, "the modem has no 3GPP2 profiles"},
         {{"modify", "1"}, 2, "nothing to change"},
         {{"show", "one"}, 2, "one"},
+        {{"show", ""}, 2, "id: \"\" must be a whole number"},
+        {{"modify", "1", "--clat=maybe"}, 2, "use --clat or --no-clat"},
+        {{"modify", "1", "--wait-time", "010"}, 2, "\"010\" must be a whole number"},
+        {{"modify", "1", "--wait-time", "0x10"}, 2, "\"0x10\" must be a whole number"},
+        {{"provision", "--apns", "/proc/self/mem", "--plmn", "00101"}, 1, "mem: cannot be read"},
         {{"add", "--home-ip", "v5"}, 2, "use IPv4, IPv6 or IPv4v6"},
         {{"add", "--types", "default,tv"}, 2, "\"tv\" is no APN type"},
         {{"add", "--auth", "md5"}, 2, "use none, PAP, CHAP or PAP_CHAP"},
@@ -105,7 +110,7 @@ TEST_F(Tool, BadInputGetsOneClearLineAndLosesNothing) {
         {{"add", "--apn", std::string(151, 'a')}, 2, "151 bytes; a profile holds 150"},
         {{"list", "--instance", "99"}, 2, "--instance"},
         {{"add", "--capacity", "0"}, 2, "--capacity"},
-        {{"--capacity", "1", "add", "--apn", "more"}, 1, "refused to create a profile: table full"},
+        {{"add", "--apn", "more"}, 1, "refused to create a profile: table full"},
         {{"provision", "--plmn", "00101"}, 2, "--apns"},
         {{"provision", "--apns", operators}, 2, "--plmn"},
         {{"provision", "--apns", operators, "--plmn", "0010"}, 2, "MCC (3 digits)"},
@@ -131,6 +136,53 @@ TEST_F(Tool, BadInputGetsOneClearLineAndLosesNothing) {
     std::ofstream(modem) << "{\"modems\": 3}";
     EXPECT_EQ(run({"add", "--apn", "lost"}).status, 1);
     EXPECT_EQ(contentOf(modem), "{\"modems\": 3}");
+}
+
+TEST_F(Tool, NamesAModemThatItCannotKeep) {
+    const std::pair<std::string, int> modems[] = {{"", 2}, {directory, 1}};
+    for (const auto& [name, status] : modems) {
+        const ToolRun result = runTool({"--modem", name, "add", "--apn", "a"});
+        EXPECT_EQ(result.status, status);
+        EXPECT_THAT(result.err, HasSubstr(status == 2 ? "name is empty" : "Is a directory"));
+    }
+}
+
+TEST_F(Tool, KeepsACapacityThatIsGivenLater) {
+    run({"add", "--apn", "a"});
+    run({"--capacity", "1", "list"});
+    EXPECT_EQ(run({"add", "--apn", "b"}).status, 1);
+}
+
+TEST_F(Tool, TellsAnAbsentValueFromOneThatIsNone) {
+    run({"add", "--apn", "a"});
+    EXPECT_THAT(run({"modify", "1", "--auth", "none", "--user", "", "--types", "none"}).out,
+                HasSubstr("types (absent) -> none; auth (absent) -> none; user (absent) -> \"\""));
+    const auto fields = runJson({"modify", "1", "--auth", "PAP"})["changes"][0]["fields"];
+    EXPECT_EQ(fields["auth"], nlohmann::json::parse(R"({"before": "none", "after": "PAP"})"));
+}
+
+TEST_F(Tool, KeepsTheWorkWhenItsOutputCannotBeWritten) {
+    std::ostream out(nullptr);
+    std::ostringstream err;
+    EXPECT_EQ(runVelactl({"--modem", modem, "add", "--apn", "kept"}, {out, err}), 1);
+    EXPECT_THAT(err.str(), HasSubstr("velactl: the output could not be written"));
+    EXPECT_EQ(runJson({"list"})["profiles"].size(), 1U);
+}
+
+TEST(Progress, StaysOnItsLineAndOutOfTheLog) {
+    std::ostringstream out;
+    std::ostringstream err;
+    const std::vector<std::string> arguments{"provision", "--apns", VELACTL_OPERATORS, "--all"};
+    runVelactl(arguments, {out, err, 30});
+    for (const std::string& part : split(err.str(), '\r')) {
+        EXPECT_LE(part.substr(0, part.find('\x1B')).size(), 29U) << part;
+    }
+    EXPECT_THAT(err.str(), HasSubstr("[####"));
+    err.str("");
+    auto logged = arguments;
+    logged.emplace_back("--log");
+    runVelactl(logged, {out, err, 30});
+    EXPECT_THAT(err.str(), Not(HasSubstr("\r")));
 }
 
 TEST_F(Tool, AnswersInJsonWhateverBytesAModemHolds) {

@@ -16,8 +16,8 @@ struct Context {
     const Options& options;
     Output& output;
     std::ostream& err;
-    /** Whether the error stream is a terminal that somebody watches. */
-    bool isWatched;
+    /** Width of the terminal that the error stream is; 0: nobody watches. */
+    std::size_t errColumns;
 
     /** The library's log lines go to the error stream when --log asks for them. */
     LogSink logSink() const;

@@ -22,8 +22,13 @@ constexpr const char* kindName(ProfileChange::Kind kind) {
     return "changed";
 }
 
-std::string value(const std::string& text) {
-    return text.empty() ? "none" : text;
+/** What is absent is not what is none or empty. */
+std::string value(const std::optional<std::string>& text) {
+    return !text ? "(absent)" : text->empty() ? "\"\"" : *text;
+}
+
+Json textOrNull(const std::optional<std::string>& text) {
+    return text ? Json(*text) : Json();
 }
 
 std::string persistence(const ProfileRecord& record) {
@@ -99,7 +104,8 @@ Json Output::toJson(const std::vector<ProfileChange>& changes) const {
         Json item{{"change", kindName(change.kind)}};
         item.update(velactl::toJson(change.record, showSecrets()));
         for (const ProfileChange::Field& field : change.fields) {
-            item["fields"][field.key] = {{"before", field.before}, {"after", field.after}};
+            item["fields"][field.key] = {{"before", textOrNull(field.before)},
+                                         {"after", textOrNull(field.after)}};
         }
         list.push_back(std::move(item));
     }

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PolicyCommands.h"
 
+#include "NumberOption.h"
 #include "PolicyStory.h"
 #include "Provisioner.h"
 #include "Text.h"
@@ -151,7 +152,7 @@ PolicyCommand::Decision AttachCommand::decide(vela::Util& policies, const Reques
 }
 
 void MatchAttachCommand::addOptions(CLI::App& app) {
-    app.add_option("id", index, "index of the 3GPP profile")->required();
+    addNumber(app, "id", index, "index of the 3GPP profile")->required();
     PolicyCommand::addOptions(app);
 }
 

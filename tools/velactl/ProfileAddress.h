@@ -5,6 +5,7 @@
 #include <CLI/App.hpp>
 #include <string>
 
+#include "NumberOption.h"
 #include "Words.h"
 
 namespace velactl {
@@ -13,7 +14,7 @@ namespace velactl {
 class ProfileAddress {
   public:
     void addTo(CLI::App& app) {
-        app.add_option("id", index, "index of the profile")->required();
+        addNumber(app, "id", index, "index of the profile")->required();
         addTechTo(app);
     }
 

@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "Limits.h"
+#include "NumberOption.h"
 #include "ProfileRecord.h"
 #include "Text.h"
 #include "ToolError.h"
@@ -16,9 +17,14 @@ namespace {
 
 void addFlag(CLI::App& app, const std::string& name, std::optional<bool>& value,
              const std::string& description) {
+    const auto wrongValue = [name](const std::string& text) {
+        const bool isRight = text == "true" || text == "false";
+        return isRight ? "" : inQuotes(text) + " is no switch; use --" + name + " or --no-" + name;
+    };
     app.add_flag_function(
-        "--" + name + ",!--no-" + name, [&value](std::int64_t count) { value = count > 0; },
-        description);
+           "--" + name + ",!--no-" + name, [&value](std::int64_t count) { value = count > 0; },
+           description)
+        ->check(wrongValue);
 }
 
 const std::string& checkedText(const char* option, const std::string& text, std::size_t limit) {
@@ -51,9 +57,9 @@ void ProfileOptions::addTo(CLI::App& app) {
     addFlag(app, "clat", clat, "use 464XLAT");
     addFlag(app, "emergency", emergency, "emergency calls are supported");
     addFlag(app, "disabled", disabled, "the APN is disabled");
-    app.add_option("--max-conns", maxConns, "PDN connections allowed per time block");
-    app.add_option("--max-conns-time", maxConnsTime, "that time block in seconds");
-    app.add_option("--wait-time", waitTime, "wait between PDN requests in seconds");
+    addNumber(app, "--max-conns", maxConns, "PDN connections allowed per time block");
+    addNumber(app, "--max-conns-time", maxConnsTime, "that time block in seconds");
+    addNumber(app, "--wait-time", waitTime, "wait between PDN requests in seconds");
 }
 
 void ProfileOptions::applyTo(vela::ProfileParams& params) const {

@@ -64,13 +64,21 @@ bool isBefore(const ProfileRecord& left, const ProfileRecord& right) {
     return place(left) < place(right);
 }
 
+std::optional<std::string> presentText(const ProfileField& field, const Params& params,
+                                       bool showSecrets) {
+    if (field.value(params).is_null()) {
+        return std::nullopt;
+    }
+    return fieldText(field, params, showSecrets);
+}
+
 std::vector<ProfileChange::Field> changedFields(const Params& before, const Params& after,
                                                 bool showSecrets) {
     std::vector<ProfileChange::Field> fields;
     for (const ProfileField& field : profileFields()) {
         if (field.value(before) != field.value(after)) {
-            fields.push_back({field.key, fieldText(field, before, showSecrets),
-                              fieldText(field, after, showSecrets)});
+            fields.push_back({field.key, presentText(field, before, showSecrets),
+                              presentText(field, after, showSecrets)});
         }
     }
     return fields;

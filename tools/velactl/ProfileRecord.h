@@ -63,11 +63,11 @@ std::string title(const ProfileRecord& record);
 /** One difference between two states of a modem's tables. */
 struct ProfileChange {
     enum class Kind { Created, Deleted, Changed };
-    /** One field's value before and after, empty when absent. */
+    /** One field's value before and after. */
     struct Field {
         std::string key;
-        std::string before;
-        std::string after;
+        std::optional<std::string> before;
+        std::optional<std::string> after;
     };
 
     Kind kind = Kind::Changed;

@@ -66,7 +66,9 @@ Exit ProvisionCommand::runAll(const Context& context, const OperatorFile& file) 
     const std::vector<Operator> operators = file.operators();
     OperatorSurvey survey(context.output, file, isExplained);
     {
-        Progress progress(context.err, context.isWatched, operators.size());
+        // Log lines tell the progress themselves, and would be mixed up with it.
+        const std::size_t columns = context.options.log ? 0 : context.errColumns;
+        Progress progress(context.err, columns, operators.size());
         for (const Operator& candidate : operators) {
             progress.next(candidate.name());
             Workbench bench = context.openWorkbench();

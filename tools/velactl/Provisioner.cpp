@@ -46,10 +46,12 @@ std::string differencesText(const ProfileParams& profile, const ProfileParams& w
     std::vector<std::string> parts;
     for (const ProfileField& field : profileFields()) {
         if (differs(field, profile, wanted)) {
-            const std::string asked = fieldText(field, wanted, showSecrets);
-            const std::string held = fieldText(field, profile, showSecrets);
-            parts.push_back(std::string(field.key) + '=' + (held.empty() ? "(absent)" : held) +
-                            (asked.empty() ? "" : " instead of " + asked));
+            const bool isAsked = !field.value(wanted).is_null();
+            const bool isHeld = !field.value(profile).is_null();
+            parts.push_back(
+                std::string(field.key) + '=' +
+                (isHeld ? fieldText(field, profile, showSecrets) : "(absent)") +
+                (isAsked ? " instead of " + fieldText(field, wanted, showSecrets) : ""));
         }
     }
     return join(parts, ", ");

@@ -3,6 +3,7 @@
 #include "TableCommands.h"
 
 #include "LogMask.h"
+#include "NumberOption.h"
 #include "Table.h"
 #include "Text.h"
 
@@ -57,7 +58,7 @@ Exit ShowCommand::run(const Context& context) {
 void MatchCommand::addOptions(CLI::App& app) {
     fields.addTo(app);
     app.add_option("--tech", tech, "only 3GPP, or only 3GPP2");
-    app.add_option("--index", index, "only the profile of that index");
+    addNumber(app, "--index", index, "only the profile of that index");
     app.add_option("--made-by", madeBy, "only profiles made by: vela, vela-ia or others");
     app.add_flag("--loose", isLoose,
                  "names and types may be contained, IP types may overlap either way");

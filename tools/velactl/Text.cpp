@@ -128,6 +128,18 @@ std::size_t displayWidth(std::string_view text) {
     return width;
 }
 
+std::string fitting(std::string_view text, std::size_t columns) {
+    std::string result;
+    std::size_t width = 0;
+    forEachLetter(text, [&](Letter letter, std::string_view bytes) {
+        width += contains(kTwoColumns, letter.value) ? 2U : 1U;
+        if (width <= columns) {
+            result += bytes;
+        }
+    });
+    return result;
+}
+
 std::string hex(std::string_view bytes) {
     constexpr std::string_view kDigits = "0123456789abcdef";
     std::string result;

@@ -22,6 +22,9 @@ std::string inQuotes(std::string_view text);
 /** Columns that a printable text takes on a terminal. */
 std::size_t displayWidth(std::string_view text);
 
+/** As much of a printable text as fits into so many columns. */
+std::string fitting(std::string_view text, std::size_t columns);
+
 /** The bytes as hexadecimal digits. */
 std::string hex(std::string_view bytes);
 

@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "Commands.h"
+#include "NumberOption.h"
 #include "Text.h"
 
 namespace velactl {
@@ -19,13 +20,18 @@ namespace {
 constexpr int kMaxInstance = 15;
 constexpr unsigned kMaxCapacity = 255;
 
+std::string missingName(const std::string& path) {
+    return path.empty() ? "the file's name is empty; leave the option out for a new modem" : "";
+}
+
 void addGlobalOptions(CLI::App& app, Options& options) {
     app.add_option("--modem", options.modem.file,
-                   "file that keeps the simulated modem's memory between runs");
-    app.add_option("--instance", options.modem.instance, "modem instance (subscription), from 0")
+                   "file that keeps the simulated modem's memory between runs")
+        ->check(missingName);
+    addNumber(app, "--instance", options.modem.instance, "modem instance (subscription), from 0")
         ->check(CLI::Range(0, kMaxInstance));
-    app.add_option("--capacity", options.modem.capacity,
-                   "profiles per technology of the simulated modem (16 when it is new)")
+    addNumber(app, "--capacity", options.modem.capacity,
+              "profiles per technology of the simulated modem (16 when it is new)")
         ->check(CLI::Range(1U, kMaxCapacity));
     app.add_flag("--json", options.json, "one JSON document instead of text");
     app.add_flag("--show-secrets", options.showSecrets, "do not mask passwords");
@@ -50,7 +56,7 @@ std::string usage(const CLI::App& app, const CLI::ParseError& error) {
     }
     std::string text = error.what();
     if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr) {
-        text += ", which must be a whole number";
+        text += ", a value that this option does not take";
     }
     std::replace(text.begin(), text.end(), '\n', ' ');
     const std::string verb = chosen.empty() ? "" : chosen.front()->get_name() + ' ';
@@ -96,7 +102,7 @@ Exit runVerb(const std::vector<std::string>& arguments, const Streams& streams) 
         return Exit::Done;
     }
     Output output(streams.out, streams.err, options);
-    const Exit exit = command->run({options, output, streams.err, streams.isErrWatched});
+    const Exit exit = command->run({options, output, streams.err, streams.errColumns});
     output.finish();
     return exit;
 }
@@ -105,7 +111,11 @@ Exit runVerb(const std::vector<std::string>& arguments, const Streams& streams) 
 
 int runVelactl(const std::vector<std::string>& arguments, const Streams& streams) {
     try {
-        return static_cast<int>(runVerb(arguments, streams));
+        const Exit exit = runVerb(arguments, streams);
+        if (!streams.out.flush()) {
+            throw refused("the output could not be written; what was done is done");
+        }
+        return static_cast<int>(exit);
     } catch (const ToolError& error) {
         streams.err << "velactl: " << error.what() << '\n';
         return static_cast<int>(error.status());

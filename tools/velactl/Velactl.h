@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -12,8 +13,8 @@ namespace velactl {
 struct Streams {
     std::ostream& out;
     std::ostream& err;
-    /** Whether `err` is a terminal. */
-    bool isErrWatched = false;
+    /** Width of the terminal that `err` is; 0: it is none. */
+    std::size_t errColumns = 0;
 };
 
 /** The whole tool: runs one verb. `arguments` are those after the program's name. Returns the exit

@@ -1,12 +1,43 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
+#include <fcntl.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <iostream>
 
 #include "Velactl.h"
 
+namespace {
+
+/** Gives the standard descriptors that came closed to something that takes no data, so that no file
+ * opened later gets their numbers, and the output with them. */
+void fillStandardDescriptors() {
+    int fd = 0;
+    do {
+        fd = open("/dev/null", O_RDONLY);
+    } while (fd >= 0 && fd <= STDERR_FILENO);
+    if (fd >= 0) {
+        close(fd);
+    }
+}
+
+std::size_t columnsOf(int fd) {
+    constexpr std::size_t kUsual = 80;
+    winsize size{};
+    if (isatty(fd) == 0) {
+        return 0;
+    }
+    return ioctl(fd, TIOCGWINSZ, &size) == 0 && size.ws_col != 0 ? size.ws_col : kUsual;
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
+    fillStandardDescriptors();
+    // Whoever reads the output may go away: the modem's memory is kept all the same.
+    std::signal(SIGPIPE, SIG_IGN);
     return velactl::runVelactl({argv + 1, argv + argc},
-                               {std::cout, std::cerr, isatty(STDERR_FILENO) != 0});
+                               {std::cout, std::cerr, columnsOf(STDERR_FILENO)});
 }
