@@ -29,8 +29,8 @@ run() {
 "$velactl" --modem "$modem" list >/dev/null 2>&1
 
 chapter "1. A new modem gets the settings of operator $plmn"
-explain "The operator's entries become profiles in the modem: one for each, and one that the phone" \
-    "uses for the LTE initial attach. The file is ${operators##*/}, as Debian ships it."
+explain "Each of the operator's entries gets a profile in the modem or shares one, and there is one that" \
+    "the phone uses for the LTE initial attach. The file is ${operators##*/}."
 run provision --apns "$operators" --plmn "$plmn"
 
 chapter "2. The same again: nothing is left to do"
@@ -42,17 +42,17 @@ explain "It changes a profile; somebody else changes one behind its back; the mo
 run demo
 
 chapter "4. LTE attach"
-explain "The policy looks for the profile that fits best, and creates one only when none does. Here it" \
-    "finds the attach profile and gives it back the user name that somebody has changed."
-run attach --apns "$operators" --plmn "$plmn"
+explain "The policy looks for the profile that fits best, gives it the settings of the operator, and" \
+    "creates one only when none fits. It tells each step."
+run attach --apns "$operators" --plmn "$plmn" || echo "Without an attach profile, then."
 
 chapter "5. A data call to an APN that the operator does not list"
-explain "No profile fits, so a temporary one is made for the call. When the call ends, the last key" \
-    "to it is dropped, and the modem forgets it."
+explain "When no profile fits, a temporary one is made for the call. As soon as the call ends, the last" \
+    "key to it is dropped, and the modem forgets it."
 run data-call --apn company.example --home-ip IPv4v6
 
 chapter "6. An emergency call"
-explain "Any profile that supports emergency calls would do. There is none, so one is created that" \
+explain "Any profile that supports emergency calls will do. Only when there is none, one is created: it" \
     "serves nothing else, and stays."
 run emergency --apn sos
 
