@@ -62,11 +62,10 @@ std::string subject(const LoggedSettings& search) {
     if (search.isForAttach.value_or(false)) {
         return "attach profiles of the library";
     }
-    const std::string profiles = (search.tech ? word(*search.tech) + ' ' : "") + "profiles";
-    if (!search.isVela) {
-        return profiles;
-    }
-    return profiles + (*search.isVela ? " of the library" : " that others made");
+    const std::string makers = !search.isVela   ? ""
+                               : *search.isVela ? " of the library"
+                                                : " that others made";
+    return (search.tech ? word(*search.tech) + ' ' : "") + "profiles" + makers;
 }
 
 /** Turns log lines into steps. A step is told when its end is known. */
