@@ -10,7 +10,8 @@ headers=$(dirname "${BASH_SOURCE[0]}")/../include/vela
 nm=$1
 library=$2
 
-symbols=$("$nm" --dynamic --demangle --defined-only "$library" | sed -E 's/^[0-9a-f]+ //; s/@.*//')
+# Not every nm demangles names that carry a version.
+symbols=$("$nm" --dynamic --defined-only "$library" | sed -E 's/^[0-9a-f]+ //; s/@.*//' | c++filt)
 classes=$(sed -nE 's/^class VELA_API ([A-Za-z]+).*/\1/p' "$headers"/*.h)
 
 public="vela::(${classes//$'\n'/|})"
