@@ -1,8 +1,9 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
-// The bytes of indications, from the modem's thread through the proxy into the cache, on one
-// thread. Input: for each indication, its length, a byte that chooses the message id, and its
-// bytes.
+// The bytes of indications, from the messaging library's callback through the proxy into the cache,
+// on one thread. Input: for each indication, its length, a byte that chooses the message id, and
+// its bytes.
+#include <dlfcn.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -16,6 +17,15 @@
 
 namespace {
 
+/** What the library has given to the messaging library. */
+struct Connection {
+    rlink_client_type client = nullptr;
+    rlink_ind_cb callback = nullptr;
+    void* data = nullptr;
+};
+
+Connection connection;
+
 struct World {
     World() {
         velasim::Settings settings{};
@@ -24,6 +34,9 @@ struct World {
         sim.storeProfile(0, velasim::Technology::ThreeGpp2, settings);
         sim.deliverNext();
         events.processEvents();
+        if (connection.callback == nullptr) {
+            std::abort();
+        }
     }
 
     static velasim::SimulatorOptions options() {
@@ -36,28 +49,40 @@ struct World {
     velasim::Simulator sim{options()};
     vela::EventManager events;
     vela::ProfileCache cache{events, 0, [](const auto&) { return nullptr; }};
+    std::size_t sinceReload = 0;
 };
 
 }  // namespace
 
+/** The simulator's, but for keeping what a simulator would call on a thread of its own. */
+extern "C" int rlink_client_init(rlink_service_info* service, rlink_service_object_type object,
+                                 rlink_ind_cb callback, void* data, rlink_client_os_params* params,
+                                 rlink_client_type* client) {
+    static const auto simulators =
+        reinterpret_cast<decltype(&rlink_client_init)>(::dlsym(RTLD_NEXT, "rlink_client_init"));
+    const int result = simulators(service, object, callback, data, params, client);
+    connection = {*client, callback, data};
+    return result;
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static World world;
-    std::size_t queued = 0;
     while (size > 2) {
         const std::size_t length = std::min<std::size_t>(data[0], size - 2);
         const std::uint32_t messageId =
             data[1] < 0xF0 ? std::uint32_t{RLINK_WDS_PROFILE_CHANGED_IND_V01} : data[1];
-        const std::vector<std::uint8_t> bytes(data + 2, data + 2 + length);
+        std::vector<std::uint8_t> bytes(data + 2, data + 2 + length);
         data += 2 + length;
         size -= 2 + length;
-        queued += bytes.empty() ? 0 : world.sim.injectIndication(bytes, messageId);
+        connection.callback(connection.client, messageId, bytes.data(),
+                            static_cast<unsigned int>(bytes.size()), connection.data);
+        ++world.sinceReload;
     }
-    if (queued == 0) {
-        return 0;
-    }
-    world.sim.deliverAll();
+    world.events.wake();
     world.events.processEvents();
-    if (world.cache.dump().size() > 300) {  // Create indications add entries without limit
+    constexpr std::size_t kMany = 100;  // Create indications add entries without limit
+    if (world.sinceReload > kMany) {
+        world.sinceReload = 0;
         world.cache.refresh();
     }
     return 0;

@@ -1,7 +1,7 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
-// Responses with arbitrary contents: this program answers every request of the library with bytes
-// of its input. Whatever they say, texts stay within their arrays and every operation ends.
+// List and read responses with arbitrary contents: this program answers the library's requests with
+// bytes of its input. Whatever they say, texts stay within their arrays and every operation ends.
 
 #include <algorithm>
 #include <cstddef>
@@ -11,7 +11,9 @@
 #include <string>
 
 #include "EventManager.h"
-#include "ProfileCache.h"
+#include "Modem3gpp2Profile.h"
+#include "Modem3gppProfile.h"
+#include "RlinkWdsProxy.h"
 #include "rlink_client.h"
 #include "velasim/Simulator.h"
 
@@ -73,21 +75,34 @@ void checkTexts(const vela::ProfileParams& params) {
     require(params.dump().size() < 1000);
 }
 
-void exerciseProfiles(vela::ProfileCache& cache) {
-    vela::FilterProfileParams all;
-    for (const auto& key : cache.filter(all)) {
-        const auto params = cache.get(key);
-        require(params.has_value());
-        checkTexts(*params);
-        vela::FilterProfileParams filter(*params);
-        filter.addFilterMatchCriteria(input().next());
-        cache.match(filter, key);
-        vela::ModifyProfileParams changes;
-        changes.setApnName(input().text());
-        changes.setHomeIPType(static_cast<vela::IPType>(input().next() % 5));
-        changes.setRoamIPType(static_cast<vela::IPType>(input().next() % 5));
-        cache.modify(changes, key);
-        cache.releaseProfile(key->getToken());
+/** What a cache and its clients do with a profile once it has been read. */
+void exercise(vela::ModemProfile& profile) {
+    const vela::ProfileParams params = profile.get();
+    checkTexts(params);
+    require(profile.dump().size() < 2000);
+    vela::FilterProfileParams filter(params);
+    filter.addFilterMatchCriteria(input().next());
+    profile.match(filter);
+    vela::ModifyProfileParams changes;
+    changes.setApnName(input().text());
+    changes.setHomeIPType(static_cast<vela::IPType>(input().next() % 5));
+    changes.setRoamIPType(static_cast<vela::IPType>(input().next() % 5));
+    if (const auto difference = profile.diff(changes)) {
+        difference->constructModifyRequest();
+        profile.apply(difference);
+    }
+}
+
+void readOne(bool is3gpp2) {
+    wds_get_profile_settings_resp_msg_v01 response;
+    const int index = input().next();
+    input().fill(&response, sizeof(response));
+    if (is3gpp2) {
+        vela::Modem3gpp2Profile profile(index, response);
+        exercise(profile);
+    } else {
+        vela::Modem3gppProfile profile(index, response);
+        exercise(profile);
     }
 }
 
@@ -96,16 +111,21 @@ void exerciseProfiles(vela::ProfileCache& cache) {
 extern "C" int rlink_client_send_msg_sync(rlink_client_type, unsigned int message, void*,
                                           unsigned int, void* response, unsigned int length,
                                           unsigned int) {
+    constexpr unsigned kMany = 4;
+    static unsigned readsSinceList = 0;
+    const bool isList = message == RLINK_WDS_GET_PROFILE_LIST_REQ_V01;
+    readsSinceList = isList ? 0 : readsSinceList + 1;
     const std::uint8_t mood = input().next();
-    if (mood == 0xFF) {
+    if (mood == 0xFF || readsSinceList > kMany) {  // a list of 255 is more of the same
         return RLINK_ERROR_TIMEOUT;
     }
     input().fill(response, length);
     if (mood < 0xF0) {
         std::memset(response, 0, sizeof(std::uint32_t));
     }
-    if (message == RLINK_WDS_GET_PROFILE_LIST_REQ_V01 && mood < 0xE0) {
-        static_cast<wds_get_profile_list_resp_msg_v01*>(response)->profile_list_len = mood % 4U;
+    const bool isAnyLength = mood == 0xEF && input().next() < 0x10;
+    if (isList && !isAnyLength) {
+        static_cast<wds_get_profile_list_resp_msg_v01*>(response)->profile_list_len = 1;
     }
     return RLINK_NO_ERROR;
 }
@@ -116,21 +136,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         options.delivery = velasim::DeliveryMode::Stepped;
         return options;
     }());
+    static vela::EventManager events;
+    static vela::RlinkWdsProxy proxy(events, 0);
     input().start(data, size);
-    vela::EventManager events;
-    vela::ProfileCache cache(events, 0, [](const auto&) { return nullptr; });
-    cache.refresh();
-    exerciseProfiles(cache);
-    vela::AddProfileParams params(false, static_cast<vela::TechType>(input().next() % 3), false);
-    params.setApnName(input().text());
-    cache.add(params);
-    for (int event = 0; event < 3; ++event) {
-        const vela::ProfileChangedInd ind{static_cast<vela::TechType>(input().next() % 2),
-                                          input().next() % 4,
-                                          static_cast<vela::ProfileChangedEvent>(event)};
-        cache.onIndication(ind);
+    const std::uint8_t way = input().next();
+    if (way % 16 != 0) {  // most inputs are one answer, without a list and a log on the way
+        readOne(way % 2 == 0);
+        return 0;
     }
-    exerciseProfiles(cache);
-    cache.dump();
+    for (const auto& profile : proxy.getAllProfiles()) {
+        if (profile) {
+            exercise(*profile);
+        }
+    }
     return 0;
 }
