@@ -233,9 +233,9 @@ void Story::takeExactMatch(std::string_view /*rest*/) {
 }
 
 void Story::takeLooseMatch(std::string_view /*rest*/) {
-    const std::string name =
+    const std::string words =
         search.params.hasApnName() ? "the APN name is the same" : "any APN name will do";
-    tell("loose match: " + name +
+    tell("loose match: " + words +
          (search.isVela ? ", and the IP types fit"
                         : ", and updates are allowed: the IP types may be rewritten"));
 }
