@@ -139,9 +139,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static vela::EventManager events;
     static vela::RlinkWdsProxy proxy(events, 0);
     input().start(data, size);
-    const std::uint8_t way = input().next();
-    if (way % 16 != 0) {  // most inputs are one answer, without a list and a log on the way
-        readOne(way % 2 == 0);
+    // Most inputs are one answer, without a list and a log on the way. The length decides, as it is
+    // the one property that mutations do not keep for its own sake.
+    if (size % 16 != 0) {
+        readOne(size % 2 == 0);
         return 0;
     }
     for (const auto& profile : proxy.getAllProfiles()) {
