@@ -26,6 +26,8 @@ struct Connection {
 
 Connection connection;
 
+constexpr std::uint32_t kIgnored = 1;  // no message of the library's
+
 struct World {
     World() {
         velasim::Settings settings{};
@@ -46,10 +48,20 @@ struct World {
         return result;
     }
 
+    void deliver(std::uint32_t messageId, std::vector<std::uint8_t> bytes) {
+        connection.callback(connection.client, messageId, bytes.data(),
+                            static_cast<unsigned int>(bytes.size()), connection.data);
+    }
+
+    void handle() {
+        events.wake();  // also when nothing was signalled
+        events.processEvents();
+    }
+
     velasim::Simulator sim{options()};
     vela::EventManager events;
     vela::ProfileCache cache{events, 0, [](const auto&) { return nullptr; }};
-    std::size_t sinceReload = 0;
+    std::size_t sinceReload = 0;  // indications
 };
 
 }  // namespace
@@ -67,20 +79,25 @@ extern "C" int rlink_client_init(rlink_service_info* service, rlink_service_obje
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static World world;
-    while (size > 2) {
+    constexpr std::size_t kBurst = 8;
+    std::size_t burst = 0;
+    for (; size > 2 && burst < kBurst; ++burst) {
         const std::size_t length = std::min<std::size_t>(data[0], size - 2);
         const std::uint32_t messageId =
             data[1] < 0xF0 ? std::uint32_t{RLINK_WDS_PROFILE_CHANGED_IND_V01} : data[1];
         std::vector<std::uint8_t> bytes(data + 2, data + 2 + length);
         data += 2 + length;
         size -= 2 + length;
-        connection.callback(connection.client, messageId, bytes.data(),
-                            static_cast<unsigned int>(bytes.size()), connection.data);
-        ++world.sinceReload;
+        world.deliver(messageId, bytes);
     }
-    world.events.wake();
-    world.events.processEvents();
+    // One that cannot be decoded leaves those behind it waiting for the next signal.
+    for (std::size_t pass = 0; pass < burst; ++pass) {
+        world.handle();
+        world.deliver(kIgnored, {0});
+    }
+    world.handle();
     constexpr std::size_t kMany = 100;  // Create indications add entries without limit
+    world.sinceReload += burst;
     if (world.sinceReload > kMany) {
         world.sinceReload = 0;
         world.cache.refresh();
