@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <sstream>
 
-#include "Driver.h"
+#include "Operation.h"
 #include "Shrink.h"
 #include "Watchdog.h"
 
@@ -15,10 +15,9 @@ namespace coherence {
 
 namespace {
 
-constexpr std::chrono::seconds kLongestRun{120};
-
-std::string replayCommand(std::uint64_t seed, std::uint64_t steps) {
-    return "./dev coherence --replay " + std::to_string(seed) + " --steps " + std::to_string(steps);
+/** Far more than it takes, under a sanitizer as well. */
+std::chrono::seconds longestRun(std::uint64_t steps) {
+    return std::chrono::seconds(120 + steps / 10);
 }
 
 std::string describe(const Outcome& outcome, const std::vector<Operation>& operations) {
@@ -28,22 +27,31 @@ std::string describe(const Outcome& outcome, const std::vector<Operation>& opera
     return out.str();
 }
 
-Outcome runSeed(std::uint64_t seed, std::uint64_t steps) {
-    const Watchdog watchdog(kLongestRun, "hangs: " + replayCommand(seed, steps));
-    return Driver(seed).run(randomOperations(seed, steps));
-}
-
 }  // namespace
 
+std::string Campaign::replayCommand(std::uint64_t seed) const {
+    auto command =
+        "./dev coherence --replay " + std::to_string(seed) + " --steps " + std::to_string(steps);
+    for (const auto& rule : mix) {
+        command += " --fault " + toString(rule.fault) + "=" + std::to_string(rule.probability);
+    }
+    return command;
+}
+
+Outcome Campaign::runSeed(std::uint64_t seed) const {
+    const Watchdog watchdog(longestRun(steps), "hangs: " + replayCommand(seed));
+    return Driver(seed).run(randomOperations(seed, steps, mix));
+}
+
 std::string Campaign::failureOf(std::uint64_t seed) const {
-    const auto outcome = runSeed(seed, steps);
+    const auto outcome = runSeed(seed);
     if (outcome.failure.empty()) {
         return {};
     }
-    const auto operations = randomOperations(seed, steps);
+    const auto operations = randomOperations(seed, steps, mix);
     std::ostringstream out;
     out << "seed " << seed << ": " << describe(outcome, operations)
-        << "replay: " << replayCommand(seed, steps) << "\n";
+        << "replay: " << replayCommand(seed) << "\n";
     const auto shortest = shrink(seed, operations);
     out << "shrunk to " << shortest.size() << " steps:\n";
     for (std::size_t i = 0; i < shortest.size(); ++i) {
@@ -56,21 +64,21 @@ std::string Campaign::failureOf(std::uint64_t seed) const {
 bool Campaign::run() const {
     const auto begin = std::chrono::steady_clock::now();
     std::uint64_t compared = 0;
-    std::uint64_t faults = 0;
+    std::uint64_t struck = 0;
     for (auto seed = first; seed < first + seeds; ++seed) {
-        const auto outcome = runSeed(seed, steps);
+        const auto outcome = runSeed(seed);
         if (!outcome.failure.empty()) {
             std::printf("%s", failureOf(seed).c_str());
             return false;
         }
         compared += outcome.compared;
-        faults += outcome.faults;
+        struck += outcome.faults;
     }
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
     std::printf("%" PRIu64 " seeds of %" PRIu64 " steps passed in %.1f s: %" PRIu64
                 " steps, %" PRIu64 " faults struck, %" PRIu64
                 " times a cached profile was the modem's\n",
-                seeds, steps, took.count(), seeds * steps, faults, compared);
+                seeds, steps, took.count(), seeds * steps, struck, compared);
     return true;
 }
 

@@ -2,8 +2,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <velasim/Fault.h>
+
 #include <cstdint>
 #include <string>
+#include <vector>
+
+#include "Driver.h"
 
 namespace coherence {
 
@@ -12,6 +17,8 @@ struct Campaign {
     std::uint64_t seeds = 500;
     std::uint64_t first = 1;
     std::uint64_t steps = 200;
+    /** Faults that strike throughout, instead of the usual ones. */
+    std::vector<velasim::FaultRule> mix;
 
     /** Prints the figures, or the failure: what, how to replay it, and the shortest run found that
      * shows it. True: all seeds passed. */
@@ -19,6 +26,10 @@ struct Campaign {
 
     /** One seed; empty: it passed. */
     std::string failureOf(std::uint64_t seed) const;
+
+  private:
+    std::string replayCommand(std::uint64_t seed) const;
+    Outcome runSeed(std::uint64_t seed) const;
 };
 
 }  // namespace coherence

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <list>
 #include <map>
 #include <optional>
 #include <string>
@@ -13,18 +12,17 @@
 #include "Exceptions.h"
 #include "Image.h"
 #include "KeyRing.h"
+#include "ModelCache.h"
 #include "ModelModem.h"
 #include "vela/ProfileParams.h"
 
 namespace coherence {
 
 /**
- * What the library promises, in plain words: the cache by token, the indications it expects, the
- * counts, keys and listeners, and whether a refresh blocks it. Each operation is told after it
+ * What the library promises, in plain words: clients' keys in numbered slots, what it remembers,
+ * its connection to the modem, and whether a refresh blocks it. Each operation is told after it
  * happened, with the journal as witness, and says what must have come of it; throws Mismatch when
  * that is not what the journal shows.
- *
- * Clients hold keys in numbered slots. Tokens count from 0.
  */
 class Model {
   public:
@@ -34,9 +32,8 @@ class Model {
 
     /** What is to be predicted next, and the listeners that ran meanwhile, in order. */
     void witness(const std::vector<velasim::JournalEntry>& entries, const std::vector<int>& ran);
-    /** In which order the library last showed its entries; which of several failing reads hits
-     * which of two entries of one profile depends on it. */
-    void noteMapOrder(std::vector<std::uint64_t> tokens) { mapOrder = std::move(tokens); }
+    /** In which order the library last showed its entries. */
+    void noteMapOrder(std::vector<std::uint64_t> tokens) { cache.noteMapOrder(std::move(tokens)); }
     /** Fails when more happened than was predicted. */
     void finish();
 
@@ -82,56 +79,27 @@ class Model {
     bool isSubscribed() const { return modem.isSubscribed(); }
     bool isLive(unsigned slot) const { return keys.at(slot).has_value(); }
     std::optional<std::uint64_t> tokenOf(unsigned slot) const;
-    /** The library's dump but for its log: tokens from `firstToken`, entries by token. */
-    std::vector<std::string> dump(std::uint64_t firstToken) const;
+    /** See ModelCache. */
+    std::vector<std::string> dump(std::uint64_t firstToken) const { return cache.dump(firstToken); }
     const std::map<ProfileId, velasim::Settings>& table() const { return modem.table; }
-    /** Compares cache and modem wherever no exception is claimed; returns how many profiles were
-     * compared. */
-    int compareWithModem() const;
+    int compareWithModem() const { return cache.compareWithModem(); }
     /** No indication waits in the library. */
     bool hasHandledAll() const { return modem.arrivals.empty(); }
     /** No exception is claimed for anything that is. */
     bool isHealed() const;
 
   private:
-    struct Entry {
-        ProfileId id;
-        Image image;
-        bool isPersistent = true;
-        bool isVelaCreated = false;
-        int count = 0;
-        KeyRing::Listeners listeners;
-    };
-    using Cached = std::optional<Entry>;  // empty: what could not be read
-
-    /** The entry that the key in the slot names; null when there is none. */
-    Cached* look(unsigned slot);
-    const Entry* look(unsigned slot) const;
-
-    Cached read(ProfileId id);
-    bool readAll(velasim::Technology technology);
-    void reload();
-    void release(std::uint64_t token);
-    bool removeFromModem(ProfileId id);
-    void onOwnRequest(ProfileId id, const ModelModem::Reply& reply);
-    void onForeignChange(ProfileId id);
-
-    void expire(std::vector<Cached> dying);
-    void follow(const Arrival::Change& change);
-    void replace(ProfileId id);
+    /** What the key in the slot answers with; null when it does not. */
+    const ModelCache::Entry* find(unsigned slot) const;
     void handleArrivals();
     void afterDispatch();
 
     Exceptions exceptions;
     ModelModem modem;
-    std::map<std::uint64_t, Cached> cache;
-    std::list<Arrival::Change> pending;
-    bool isBlocked = false;
-
     KeyRing keys{kSlots};
-    std::vector<std::uint64_t> mapOrder;  // in which the library walks its cache
+    ModelCache cache{modem, exceptions, keys};
+    bool isBlocked = false;
     velasim::JournalEntry delivery;
-    std::uint64_t nextToken = 0;
 };
 
 }  // namespace coherence

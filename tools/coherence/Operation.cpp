@@ -5,6 +5,7 @@
 #include <velasim/Random.h>
 #include <wds_service_v01.h>
 
+#include <iterator>
 #include <numeric>
 
 #include "Model.h"
@@ -104,6 +105,15 @@ std::string messageText(const velasim::FaultRule& rule) {
     return rule.messageId == velasim::kAnyMessage      ? "any"
            : rule.messageId == velasim::kForeignChange ? "of someone else"
                                                        : velasim::messageName(rule.messageId);
+}
+
+std::string describe(const velasim::FaultRule& rule) {
+    const auto text = toString(rule.fault) + " on message " + messageText(rule);
+    if (rule.probability < 1) {
+        return text + " with probability " + std::to_string(rule.probability);
+    }
+    return text + ", number " + std::to_string(rule.first) + ", " + std::to_string(rule.count) +
+           " times";
 }
 
 }  // namespace
@@ -229,20 +239,20 @@ std::string Operation::line() const {
             return text + " " +
                    (kind == Kind::ForeignCreate ? toString(id().technology) : id().text());
         case Kind::SetFault:
-            return text + " " + toString(rule().fault) + " on message " + messageText(rule()) +
-                   ", number " + std::to_string(rule().first) + ", " +
-                   std::to_string(rule().count) + " times";
+            return text + " " + describe(rule());
         default:
             return text;
     }
 }
 
-std::vector<Operation> randomOperations(std::uint64_t seed, std::size_t count) {
+std::vector<Operation> randomOperations(std::uint64_t seed, std::size_t count,
+                                        const std::vector<velasim::FaultRule>& mix) {
     Random random(seed);
-    const bool hasFaults = !random.chance(0.2);
+    const bool hasFaults = !random.chance(0.2) && mix.empty();
     const bool hasRestarts = !random.chance(0.2);
     const auto weightOf = [&](const KindInfo& info) {
-        const bool isFault = info.kind == Kind::SetFault || info.kind == Kind::Inject;
+        const bool isFault = info.kind == Kind::SetFault || info.kind == Kind::ClearFaults ||
+                             info.kind == Kind::Inject;
         const bool isRestart = info.kind >= Kind::ServiceDown && info.kind <= Kind::Restart;
         return (isFault && !hasFaults) || (isRestart && !hasRestarts) ? 0U : info.weight;
     };
@@ -262,6 +272,10 @@ std::vector<Operation> randomOperations(std::uint64_t seed, std::size_t count) {
         operation.other = static_cast<unsigned>(random.below(Model::kSlots));
         operation.detail = random.next();
     }
+    std::transform(mix.begin(), mix.end(), std::inserter(operations, operations.begin()),
+                   [](const auto& rule) {
+                       return Operation{Kind::SetFault, 0, 0, 0, rule};
+                   });
     return operations;
 }
 

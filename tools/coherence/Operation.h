@@ -69,7 +69,12 @@ struct Operation {
     std::string line() const;
 };
 
-/** The run of a seed. Some seeds have no faults, and some no restarts. */
-std::vector<Operation> randomOperations(std::uint64_t seed, std::size_t count);
+/**
+ * The run of a seed. Some seeds have no faults, and some no restarts.
+ * @param mix these faults and no others, from the start to the end; empty: a few of every kind,
+ * some of the time
+ */
+std::vector<Operation> randomOperations(std::uint64_t seed, std::size_t count,
+                                        const std::vector<velasim::FaultRule>& mix = {});
 
 }  // namespace coherence

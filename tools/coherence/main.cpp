@@ -3,8 +3,34 @@
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
+#include <string>
 
 #include "Campaign.h"
+
+namespace {
+
+/** A standing rule from NAME or NAME=PROBABILITY. */
+velasim::FaultRule ruleFrom(const std::string& text) {
+    const auto equals = text.find('=');
+    const auto fault = velasim::faultNamed(text.substr(0, equals));
+    velasim::FaultRule rule;
+    rule.count = 0;
+    rule.probability = 0.1;
+    const bool isNumber = equals == std::string::npos ||
+                          CLI::detail::lexical_cast(text.substr(equals + 1), rule.probability);
+    if (!fault || !isNumber || !(rule.probability > 0 && rule.probability <= 1)) {
+        std::string names;
+        for (const auto each : velasim::allFaults()) {
+            names += " " + toString(each);
+        }
+        throw CLI::ValidationError("--fault", text + " is not NAME or NAME=PROBABILITY, with a " +
+                                                  "probability up to 1 and a name of:" + names);
+    }
+    rule.fault = *fault;
+    return rule;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
     coherence::Campaign campaign;
@@ -12,6 +38,11 @@ int main(int argc, char** argv) {
     app.add_option("--seeds", campaign.seeds, "how many runs")->capture_default_str();
     app.add_option("--first", campaign.first, "seed of the first run")->capture_default_str();
     app.add_option("--steps", campaign.steps, "length of each run")->capture_default_str();
+    const auto addFault = [&](const std::string& text) { campaign.mix.push_back(ruleFrom(text)); };
+    app.add_option_function<std::string>(
+           "--fault", addFault,
+           "NAME[=PROBABILITY], repeatable: these faults strike throughout, and no others")
+        ->trigger_on_parse();
     auto* replay = app.add_option("--replay", campaign.first, "one run only, of this seed");
     replay->excludes("--seeds")->excludes("--first");
     CLI11_PARSE(app, argc, argv);

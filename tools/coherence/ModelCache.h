@@ -1,0 +1,100 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <cstdint>
+#include <list>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Exceptions.h"
+#include "Image.h"
+#include "KeyRing.h"
+#include "ModelModem.h"
+#include "vela/ProfileParams.h"
+
+namespace coherence {
+
+/**
+ * What the library should remember: the profiles by token, with their counts and listeners, and the
+ * indications that it expects of its own changes. Tokens count from 0.
+ */
+class ModelCache {
+  public:
+    struct Entry {
+        ProfileId id;
+        Image image;
+        bool isPersistent = true;
+        bool isVelaCreated = false;
+        int count = 0;
+        KeyRing::Listeners listeners;
+    };
+    using Named = std::pair<std::uint64_t, ProfileId>;
+
+    /** All three must outlive the cache. */
+    ModelCache(ModelModem& modem, Exceptions& exceptions, KeyRing& keys)
+        : modem(modem), exceptions(exceptions), keys(keys) {}
+
+    /** In which order the library last showed its entries; which of several failing reads hits
+     * which of two entries of one profile depends on it. */
+    void noteMapOrder(std::vector<std::uint64_t> tokens) { mapOrder = std::move(tokens); }
+
+    // ---- operations through keys; results as the library's
+
+    /** Empty when the library has no key for it. */
+    std::optional<Named> add(const vela::AddProfileParams& params);
+    bool modify(std::uint64_t token, const vela::ModifyProfileParams& params);
+    bool remove(std::uint64_t token, ProfileId id);
+    /** One reference more to each of those returned. */
+    std::vector<Named> filter(const vela::FilterProfileParams& params);
+    void listen(std::uint64_t token, const KeyRing::Listener& listener);
+    void release(std::uint64_t token);
+
+    // ---- what changes it from outside
+
+    void follow(const Arrival::Change& change);
+    void reload();
+    /** Nothing is remembered, and nothing is expected. */
+    void startOver();
+    /** The modem's `id` was changed, not by the library as far as it knows. */
+    void onForeignChange(ProfileId id);
+
+    // ---- the state
+
+    bool contains(std::uint64_t token) const { return cache.count(token) != 0; }
+    /** Null also for an entry that is empty. */
+    const Entry* find(std::uint64_t token) const;
+    /** The library's dump but for its log: tokens from `firstToken`, entries by token. */
+    std::vector<std::string> dump(std::uint64_t firstToken) const;
+    /** Compares with the modem's table wherever no exception is claimed; returns how many profiles
+     * were compared. */
+    int compareWithModem() const;
+
+  private:
+    using Cached = std::optional<Entry>;  // empty: what could not be read
+
+    Cached* look(std::uint64_t token);
+    Cached read(ProfileId id);
+    bool readAll(velasim::Technology technology);
+    void dropAll();
+    void expire(std::vector<Cached> dying);
+    void removeAllOf(ProfileId id);
+    void replace(ProfileId id);
+    bool removeFromModem(ProfileId id);
+    void onOwnRequest(ProfileId id, const ModelModem::Reply& reply);
+    void compareWithModem(ProfileId id, const std::vector<const Entry*>& entries) const;
+
+    ModelModem& modem;
+    Exceptions& exceptions;
+    KeyRing& keys;
+
+    std::map<std::uint64_t, Cached> cache;
+    std::list<Arrival::Change> pending;
+    std::vector<std::uint64_t> mapOrder;  // in which the library walks its cache
+    std::uint64_t nextToken = 0;
+};
+
+}  // namespace coherence
