@@ -7,9 +7,9 @@
 #include <cstdio>
 #include <sstream>
 
+#include "Apart.h"
 #include "Operation.h"
 #include "Shrink.h"
-#include "Watchdog.h"
 
 namespace coherence {
 
@@ -39,8 +39,7 @@ std::string Campaign::replayCommand(std::uint64_t seed) const {
 }
 
 Outcome Campaign::runSeed(std::uint64_t seed) const {
-    const Watchdog watchdog(longestRun(steps), "hangs: " + replayCommand(seed));
-    return Driver(seed).run(randomOperations(seed, steps, mix));
+    return runApart(seed, randomOperations(seed, steps, mix), longestRun(steps));
 }
 
 std::string Campaign::failureOf(std::uint64_t seed) const {
@@ -57,7 +56,7 @@ std::string Campaign::failureOf(std::uint64_t seed) const {
     for (std::size_t i = 0; i < shortest.size(); ++i) {
         out << "  " << i + 1 << ". " << shortest[i].line() << "\n";
     }
-    out << "which fail with: " << describe(Driver(seed).run(shortest), shortest);
+    out << "which fail with: " << describe(runApart(seed, shortest, longestRun(0)), shortest);
     return out.str();
 }
 

@@ -77,10 +77,14 @@ Driver::Driver(std::uint64_t seed, bool keepJournal)
 
 Driver::~Driver() = default;
 
-Outcome Driver::run(const std::vector<Operation>& operations) {
+Outcome Driver::run(const std::vector<Operation>& operations,
+                    const std::function<void(std::size_t step)>& onStep) {
     try {
         start();
         for (; outcome.step < operations.size(); ++outcome.step) {
+            if (onStep) {
+                onStep(outcome.step);
+            }
             perform(operations[outcome.step]);
             check();
         }
@@ -259,7 +263,7 @@ void Driver::drop(unsigned slot) {
 }
 
 void Driver::deliver() {
-    act([&] { simulator.deliverNext(); }, [&] { model.deliver(); });
+    act([&] { simulator.deliverNext(); }, [&] { model.rest(); });
     checkCache();
 }
 
@@ -269,16 +273,30 @@ void Driver::deliverAll() {
     }
 }
 
+/** The next outage heals all but a connection that nobody waits for any more. */
+void Driver::reconnect() {
+    if (!model.isSubscribed()) {
+        perform(Kind::ServiceDown);
+        deliverAll();
+        perform(Kind::ServiceUp);
+        deliverAll();
+    }
+    if (model.isCutOff()) {
+        perform(Kind::Init);
+        deliverAll();
+    }
+    if (!model.isSubscribed() || simulator.subscribedClients(0) != 1) {
+        throw Mismatch("an outage did not heal the connection");
+    }
+}
+
 /** Without faults, a reload makes the cache the modem's table, whatever happened before. */
 void Driver::heal() {
     simulator.faults().clear();
     perform(Kind::ServiceUp);
     perform(Kind::ReleaseDelayed);
     deliverAll();
-    if (!model.isSubscribed()) {
-        perform(Kind::Init);
-        deliverAll();
-    }
+    reconnect();
     check();
     while (!model.hasHandledAll()) {  // each that cannot be decoded keeps those behind it waiting
         act([&] { simulator.injectIndication(kSaysNothing); }, [] {});

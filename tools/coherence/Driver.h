@@ -42,8 +42,10 @@ class Driver {
     Driver(const Driver&) = delete;
     Driver& operator=(const Driver&) = delete;
 
-    /** Once. At the end the faults are ended and everything has to heal. */
-    Outcome run(const std::vector<Operation>& operations);
+    /** Once. At the end the faults are ended and everything has to heal.
+     * @param onStep is told of each step before it is taken */
+    Outcome run(const std::vector<Operation>& operations,
+                const std::function<void(std::size_t step)>& onStep = {});
 
   private:
     using Key = std::shared_ptr<vela::IProfileKey>;
@@ -60,6 +62,7 @@ class Driver {
     void drop(unsigned slot);
     void deliver();
     void deliverAll();
+    void reconnect();
     void heal();
 
     template <typename Real, typename Predicted>

@@ -10,7 +10,6 @@ namespace coherence {
 
 namespace {
 
-using velasim::JournalKind;
 using velasim::Technology;
 
 // What the library does on purpose although it may surprise. The rest of the list is in
@@ -23,11 +22,6 @@ void Model::witness(const std::vector<velasim::JournalEntry>& entries,
                     const std::vector<int>& ran) {
     modem.witness(entries);
     keys.witness(ran);
-    const auto found = std::find_if(entries.begin(), entries.end(), [](const auto& entry) {
-        return entry.kind == JournalKind::NotifyDelivered ||
-               entry.kind == JournalKind::ErrorDelivered;
-    });
-    delivery = found == entries.end() ? velasim::JournalEntry{} : *found;
 }
 
 void Model::finish() {
@@ -39,7 +33,7 @@ void Model::finish() {
 
 bool Model::add(unsigned slot, const vela::AddProfileParams& params) {
     const auto added = isBlocked ? std::nullopt : cache.add(params);
-    afterDispatch();
+    rest();
     if (added) {
         keys.hold(slot, added->first, added->second);
     }
@@ -49,14 +43,14 @@ bool Model::add(unsigned slot, const vela::AddProfileParams& params) {
 bool Model::modify(unsigned slot, const vela::ModifyProfileParams& params) {
     const auto token = tokenOf(slot);
     const bool isDone = !isBlocked && token && cache.modify(*token, params);
-    afterDispatch();
+    rest();
     return isDone;
 }
 
 bool Model::remove(unsigned slot) {
     const auto key = keys.at(slot);
     const bool isRemoved = !isBlocked && key && cache.remove(key->token, key->id);
-    afterDispatch();
+    rest();
     return isRemoved;
 }
 
@@ -97,7 +91,7 @@ void Model::dropToken(std::uint64_t token) {
     if (!isBlocked || kBlockedReleaseIsMadeUpForLater) {
         cache.release(token);
     }
-    afterDispatch();
+    rest();
 }
 
 void Model::listen(unsigned slot, int listener, unsigned victim) {
@@ -113,14 +107,12 @@ void Model::refresh(bool isStart) {
     if (!isStart) {
         cache.reload();
     }
-    afterDispatch();
+    rest();
 }
 
 void Model::init() {
     keys.startPipeline();
-    modem.startNotifier();
-    modem.abandonClient();
-    modem.arrivals.clear();
+    modem.startOver();
     cache.startOver();
     isBlocked = false;
 }
@@ -153,16 +145,8 @@ bool Model::foreignDelete(ProfileId id) {
     return true;
 }
 
-void Model::deliver() {
-    if (delivery.kind == JournalKind::NotifyDelivered) {
-        modem.onNotify(delivery.result);
-    } else if (delivery.kind == JournalKind::ErrorDelivered) {
-        modem.onError();
-    }
-    afterDispatch();
-}
-
 void Model::settle() {
+    modem.checkConnection();
     if (modem.arrivals.empty()) {
         exceptions.onSettled();
     }
@@ -188,7 +172,6 @@ const ModelCache::Entry* Model::find(unsigned slot) const {
 }
 
 void Model::handleArrivals() {
-    modem.isSignalled = false;
     while (!modem.arrivals.empty()) {
         const auto arrival = modem.arrivals.front();
         modem.arrivals.pop_front();
@@ -204,8 +187,8 @@ void Model::handleArrivals() {
     }
 }
 
-/** What the library does between an operation and its rest. */
-void Model::afterDispatch() {
+/** What the library does before it rests. */
+void Model::rest() {
     modem.lookAhead();
     do {
         while (const auto token = keys.takeDeferred()) {
@@ -213,10 +196,24 @@ void Model::afterDispatch() {
                 cache.release(*token);
             }
         }
-        if (modem.isSignalled) {
-            handleArrivals();
-        }
-    } while (keys.hasDeferred() || modem.isSignalled);
+        handleSignal();
+    } while (keys.hasDeferred() || !modem.signals.empty());
+}
+
+void Model::handleSignal() {
+    if (modem.signals.empty()) {
+        return;
+    }
+    const auto signal = modem.signals.front();
+    modem.signals.pop_front();
+    switch (signal) {
+        case ModelModem::Signal::Arrival:
+            return handleArrivals();
+        case ModelModem::Signal::ServiceUp:
+            return modem.onServiceUp();
+        case ModelModem::Signal::ClientLost:
+            return modem.onClientLost();
+    }
 }
 
 }  // namespace coherence

@@ -69,14 +69,15 @@ class Model {
     void serviceUp() { modem.serviceUp(); }
     void restart() { modem.powerCycle(); }
     void delayedReleased() { exceptions.onDelayedReleased(); }
-    /** One callback of the messaging library, which the journal names. */
-    void deliver();
+    /** The library does what is left to do, whatever happened to it. */
+    void rest();
     /** Nothing is under way any more. */
     void settle();
 
     // ---- the state
 
     bool isSubscribed() const { return modem.isSubscribed(); }
+    bool isCutOff() const { return modem.isCutOff(); }
     bool isLive(unsigned slot) const { return keys.at(slot).has_value(); }
     std::optional<std::uint64_t> tokenOf(unsigned slot) const;
     /** See ModelCache. */
@@ -92,14 +93,13 @@ class Model {
     /** What the key in the slot answers with; null when it does not. */
     const ModelCache::Entry* find(unsigned slot) const;
     void handleArrivals();
-    void afterDispatch();
+    void handleSignal();
 
     Exceptions exceptions;
     ModelModem modem;
     KeyRing keys{kSlots};
     ModelCache cache{modem, exceptions, keys};
     bool isBlocked = false;
-    velasim::JournalEntry delivery;
 };
 
 }  // namespace coherence

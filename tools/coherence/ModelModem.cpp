@@ -5,6 +5,8 @@
 #include <wds_service_v01.h>
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace coherence {
 
@@ -72,9 +74,12 @@ void ModelModem::finish() {
 
 /** The next entry that has to be predicted; takes note of the others. */
 const JournalEntry* ModelModem::next() {
+    constexpr JournalKind kCalls[] = {JournalKind::NotifierCreated, JournalKind::ClientConnected,
+                                      JournalKind::Released, JournalKind::Request,
+                                      JournalKind::Response};
     for (; !trace.empty(); trace.pop_front()) {
         const auto& entry = trace.front();
-        if (entry.kind == JournalKind::Request || entry.kind == JournalKind::Response ||
+        if (std::count(std::begin(kCalls), std::end(kCalls), entry.kind) != 0 ||
             (entry.fault && pointOf(*entry.fault) != FaultPoint::Indication)) {
             return &entry;
         }
@@ -88,14 +93,28 @@ void ModelModem::observe(const JournalEntry& entry) {
     if (entry.fault) {
         exceptions.onIndicationFault(about, *entry.fault);
     }
-    if (entry.kind != JournalKind::IndicationDelivered) {
-        return;
+    if (entry.kind == JournalKind::IndicationDelivered) {
+        observeIndication(entry, about);
+    } else if (entry.kind == JournalKind::NotifyDelivered &&
+               entry.result == RLINK_SERVICE_AVAILABLE) {
+        signal(Signal::ServiceUp);
+    } else if (entry.kind == JournalKind::ErrorDelivered) {
+        signal(Signal::ClientLost);
     }
+}
+
+void ModelModem::observeIndication(const JournalEntry& entry, ProfileId about) {
     arrivals.push_back({entry.messageId, entry.bytes});
-    isSignalled = true;
+    signal(Signal::Arrival);
     const auto change = arrivals.back().change();
     if (change && change->id != about) {  // it names another profile than the one that changed
         exceptions.onIndicationFault(change->id, Fault::CorruptIndication);
+    }
+}
+
+void ModelModem::signal(Signal signal) {
+    if (std::find(signals.begin(), signals.end(), signal) == signals.end()) {
+        signals.push_back(signal);
     }
 }
 
@@ -121,7 +140,7 @@ void ModelModem::expect(JournalKind kind, std::uint32_t messageId, std::optional
 ModelModem::Reply ModelModem::request(std::uint32_t messageId, std::optional<ProfileId> id,
                                       bool isValid, const std::function<void()>& effect) {
     Reply reply;
-    if (!hasClient) {
+    if (client == 0) {
         return reply;  // nothing leaves the library
     }
     expect(JournalKind::Request, messageId, id);
@@ -162,36 +181,81 @@ ModelModem::Reply ModelModem::request(std::uint32_t messageId, std::optional<Pro
     return reply;
 }
 
-void ModelModem::startNotifier() {
-    hasNotifier = !struck(Fault::NotifierInitFailure);
+/** Takes what the library must have done. */
+JournalEntry ModelModem::take(JournalKind kind) {
+    expect(kind, 0, std::nullopt);
+    auto entry = trace.front();
+    trace.pop_front();
+    return entry;
 }
 
-void ModelModem::onNotify(std::int32_t event) {
-    if (!hasNotifier) {
-        throw Mismatch("the library should not have a notifier");
+void ModelModem::release(std::uint32_t& handle) {
+    if (const auto released = std::exchange(handle, 0U); released != 0) {
+        const auto entry = take(JournalKind::Released);
+        if (entry.client != released) {
+            throw Mismatch("not the handle to be released: " + entry.line());
+        }
     }
-    if (event != RLINK_SERVICE_AVAILABLE || !isUp || struck(Fault::NoServiceInstance)) {
+}
+
+void ModelModem::startNotifier() {
+    release(notifier);
+    isOverlooked = false;
+    if (!struck(Fault::NotifierInitFailure)) {
+        notifier = take(JournalKind::NotifierCreated).client;
+    }
+}
+
+void ModelModem::onServiceUp() {
+    if (!isUp) {
         return;
     }
-    hasNotifier = false;
-    if (hasClient || struck(Fault::ClientInitFailure)) {
+    isOverlooked = struck(Fault::NoServiceInstance);
+    if (isOverlooked) {
         return;
     }
-    hasClient = isConnected = true;
-    struck(Fault::ErrorCallbackFailure);  // the library will not learn when this client dies
+    release(notifier);
+    if (client != 0 || struck(Fault::ClientInitFailure)) {
+        return;
+    }
+    client = take(JournalKind::ClientConnected).client;
+    isConnected = true;
+    hasErrorCallback = !struck(Fault::ErrorCallbackFailure);
     for (const auto messageId : kSubscription) {
         request(messageId, std::nullopt, true, [&] { subscriptions.insert(messageId); });
     }
 }
 
-void ModelModem::onError() {
-    abandonClient();
+void ModelModem::onClientLost() {
+    isConnected = false;
+    subscriptions.clear();
+    release(client);
     startNotifier();
 }
 
-void ModelModem::abandonClient() {
-    hasClient = isConnected = false;
+void ModelModem::startOver() {
+    isConnected = false;
     subscriptions.clear();
+    arrivals.clear();
+    signals.clear();
+    auto formerNotifier = std::exchange(notifier, 0U);
+    auto formerClient = std::exchange(client, 0U);
+    startNotifier();
+    release(formerNotifier);
+    release(formerClient);
+}
+
+bool ModelModem::isCutOff() const {
+    return client == 0 ? notifier == 0 : !hasErrorCallback;
+}
+
+void ModelModem::checkConnection() const {
+    if (isUp && notifier != 0 && !isOverlooked) {
+        throw Mismatch("nobody told the library that the service is up");
+    }
+    if (client != 0 && !isConnected && hasErrorCallback) {
+        throw Mismatch("nobody told the library that its client is dead");
+    }
 }
 
 bool ModelModem::isSubscribed() const {
@@ -216,7 +280,7 @@ void ModelModem::store(ProfileId id, const velasim::Settings& settings) {
 }
 
 void ModelModem::serviceDown() {
-    isUp = isConnected = false;
+    isUp = isConnected = isOverlooked = false;
     subscriptions.clear();
     exceptions.onDisconnect();
 }

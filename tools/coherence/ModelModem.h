@@ -70,13 +70,19 @@ class ModelModem {
      * if `isValid`; `effect` happens if it does. */
     Reply request(std::uint32_t messageId, std::optional<ProfileId> id, bool isValid,
                   const std::function<void()>& effect);
-    void startNotifier();
-    void onNotify(std::int32_t event);
-    void onError();
-    void abandonClient();
+    /** The library starts; the new connection is begun before the former is given up. */
+    void startOver();
+    /** What the library does about what it has been told of, but for the arrivals. */
+    void onServiceUp();
+    void onClientLost();
 
     /** Whether indications reach the library. */
     bool isSubscribed() const;
+    /** Nothing but a new start connects the library again. */
+    bool isCutOff() const;
+    /** Fails when the library should have been told of the service, or of its loss; for when no
+     * callback waits. */
+    void checkConnection() const;
 
     // ---- someone else's
 
@@ -88,12 +94,20 @@ class ModelModem {
 
     std::map<ProfileId, velasim::Settings> table;
     std::deque<Arrival> arrivals;  // what the library has not handled yet
-    bool isSignalled = false;      // that there are some
+
+    /** What the library has been signalled and has not looked at yet, in order. */
+    enum class Signal { Arrival, ServiceUp, ClientLost };
+    std::deque<Signal> signals;
 
   private:
     const velasim::JournalEntry* next();
     void observe(const velasim::JournalEntry& entry);
+    void observeIndication(const velasim::JournalEntry& entry, ProfileId about);
+    void signal(Signal signal);
     bool struck(velasim::Fault fault);
+    velasim::JournalEntry take(velasim::JournalKind kind);
+    void release(std::uint32_t& handle);
+    void startNotifier();
     void expect(velasim::JournalKind kind, std::uint32_t messageId, std::optional<ProfileId> id);
 
     const unsigned capacity;
@@ -101,8 +115,10 @@ class ModelModem {
     std::deque<velasim::JournalEntry> trace;
 
     bool isUp = true;
-    bool hasNotifier = false;
-    bool hasClient = false;
+    bool isOverlooked = false;              // the library found no service although there is one
+    std::uint32_t notifier = 0;             // 0: none
+    std::uint32_t client = 0;               // 0: none
+    bool hasErrorCallback = false;          // the library learns when the client dies
     bool isConnected = false;               // the client is not dead
     std::set<std::uint32_t> subscriptions;  // what the modem has granted to the client
 };

@@ -3,17 +3,28 @@
 #include "Shrink.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
-#include "Driver.h"
+#include "Apart.h"
 
 namespace coherence {
 
+namespace {
+
+/** A candidate that takes longer hangs. */
+constexpr std::chrono::seconds kPatience{20};
+
+}  // namespace
+
 std::vector<Operation> shrink(std::uint64_t seed, std::vector<Operation> operations) {
-    const auto fails = [&](const std::vector<Operation>& candidate) {
-        return !Driver(seed).run(candidate).failure.empty();
+    const auto run = [&](const std::vector<Operation>& candidate) {
+        return runApart(seed, candidate, kPatience);
     };
-    operations.resize(std::min(operations.size(), Driver(seed).run(operations).step + 1));
+    const auto fails = [&](const std::vector<Operation>& candidate) {
+        return !run(candidate).failure.empty();
+    };
+    operations.resize(std::min(operations.size(), run(operations).step + 1));
     for (std::size_t chunk = operations.size() / 2; chunk > 0;) {
         bool isShorter = false;
         for (std::size_t from = 0; from < operations.size();) {

@@ -30,20 +30,31 @@ velasim::FaultRule ruleFrom(const std::string& text) {
     return rule;
 }
 
+/** Empty when it is one; the parser itself would take a sign and octal digits. */
+std::string wrongNumber(const std::string& text) {
+    constexpr std::size_t kMostDigits = 9;
+    const bool isFine = !text.empty() && text.size() <= kMostDigits && text[0] != '0' &&
+                        text.find_first_not_of("0123456789") == std::string::npos;
+    return isFine ? "" : text + " is not a number from 1 to 999999999";
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     coherence::Campaign campaign;
     CLI::App app("random runs of the library against a model of what it promises");
-    app.add_option("--seeds", campaign.seeds, "how many runs")->capture_default_str();
-    app.add_option("--first", campaign.first, "seed of the first run")->capture_default_str();
-    app.add_option("--steps", campaign.steps, "length of each run")->capture_default_str();
+    const auto addNumber = [&](const char* name, std::uint64_t& value, const char* description) {
+        return app.add_option(name, value, description)->check(wrongNumber)->capture_default_str();
+    };
+    addNumber("--seeds", campaign.seeds, "how many runs");
+    addNumber("--first", campaign.first, "seed of the first run");
+    addNumber("--steps", campaign.steps, "length of each run");
     const auto addFault = [&](const std::string& text) { campaign.mix.push_back(ruleFrom(text)); };
     app.add_option_function<std::string>(
            "--fault", addFault,
            "NAME[=PROBABILITY], repeatable: these faults strike throughout, and no others")
         ->trigger_on_parse();
-    auto* replay = app.add_option("--replay", campaign.first, "one run only, of this seed");
+    auto* replay = addNumber("--replay", campaign.first, "one run only, of this seed");
     replay->excludes("--seeds")->excludes("--first");
     CLI11_PARSE(app, argc, argv);
     if (*replay) {
