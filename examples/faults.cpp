@@ -7,6 +7,22 @@
 
 #include <cstdio>
 
+namespace {
+
+/** Makes the callbacks that wait, and those that come of them. The library works on them on a
+ * thread of its own: it has done so when it has answered a few times. */
+void settle(velasim::Simulator& modem, vela::Manager& radio) {
+    constexpr int kAnswers = 3;
+    do {
+        modem.deliverAll();
+        for (int i = 0; i < kAnswers; ++i) {
+            radio.getProfile(nullptr);
+        }
+    } while (modem.pendingDeliveries() != 0);
+}
+
+}  // namespace
+
 int main() {
     velasim::SimulatorOptions options;
     options.delivery = velasim::DeliveryMode::Stepped;
@@ -14,7 +30,7 @@ int main() {
 
     vela::Manager& radio = vela::Manager::getInstance();
     radio.init(0, false);
-    modem.waitIdle();  // the library is told of the service
+    settle(modem, radio);  // the library is told of the service, and subscribes
     radio.refresh(vela::PDCRefreshStatus::RefreshCompleted);
 
     // The modem restarts between the answer to a create and its indications.
@@ -24,7 +40,7 @@ int main() {
     params.setApnName("internet");
     const auto key =
         radio.addProfile(vela::AddProfileParams(params, true, vela::TechType::TECH_3GPP, false));
-    modem.waitIdle();
+    settle(modem, radio);
 
     std::printf("%s", modem.journal().text().c_str());  // what crossed the boundary
     for (const auto& line : radio.dump()) {             // two indications are still expected

@@ -104,14 +104,20 @@ std::size_t DeliveryQueue::deliverAll() {
 }
 
 void DeliveryQueue::waitIdle() {
-    if (mode == DeliveryMode::Stepped) {
-        deliverAll();
-    }
     if (isOwnThread()) {
         return;
     }
+    const bool isStepped = mode == DeliveryMode::Stepped;
     std::unique_lock lock(mutex);
-    settled.wait(lock, [&] { return (queue.empty() || closed) && !running; });
+    for (;;) {
+        settled.wait(lock, [&] { return !running && (isStepped || queue.empty() || closed); });
+        if (queue.empty() || closed) {
+            return;
+        }
+        lock.unlock();
+        deliverNext();
+        lock.lock();
+    }
 }
 
 void DeliveryQueue::close() {

@@ -16,6 +16,8 @@ namespace velasim {
 
 namespace {
 
+constexpr std::uint8_t kNonsense = 0xA5;
+
 int valueOr(const FiredFault& fault, int other) {
     return fault.value == 0 ? other : static_cast<int>(fault.value);
 }
@@ -161,6 +163,9 @@ int Exchange::timeOut(Lock& lock) {
 }
 
 int Exchange::finish(int result) {
+    if (result != RLINK_NO_ERROR) {  // a client that looks at it all the same shall notice
+        std::fill(response.begin(), response.end(), kNonsense);
+    }
     JournalEntry entry;
     entry.kind = JournalKind::Response;
     entry.client = client;

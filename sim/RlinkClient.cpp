@@ -62,9 +62,8 @@ VELASIM_API int rlink_client_notifier_init(rlink_service_object_type service,
         return RLINK_ERROR_SERVICE;
     }
     const auto handle = Installation::process().newHandle();
-    const int result = platform->createNotifier(handle);
-    *notifier = result == RLINK_NO_ERROR ? velasim::RlinkRuntime::toClient(handle) : nullptr;
-    return result;
+    *notifier = velasim::RlinkRuntime::toClient(handle);  // names nothing after a failure
+    return platform->createNotifier(handle);
 }
 
 VELASIM_API int rlink_client_register_notify_cb(rlink_client_type notifier,
@@ -99,9 +98,8 @@ VELASIM_API int rlink_client_init(rlink_service_info* info, rlink_service_object
         return RLINK_ERROR_SERVICE;
     }
     const auto handle = Installation::process().newHandle();
-    const int result = platform->connect(handle, callback, data);
-    *client = result == RLINK_NO_ERROR ? velasim::RlinkRuntime::toClient(handle) : nullptr;
-    return result;
+    *client = velasim::RlinkRuntime::toClient(handle);  // names nothing after a failure
+    return platform->connect(handle, callback, data);
 }
 
 VELASIM_API int rlink_client_register_error_cb(rlink_client_type client, rlink_error_cb callback,

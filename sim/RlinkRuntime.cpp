@@ -177,12 +177,10 @@ std::size_t RlinkRuntime::releaseHeld() {
 }
 
 void RlinkRuntime::close() {
-    {
-        const std::lock_guard lock(mutex);
-        endpoints.clear();
-        up = false;
-    }
-    queued.close();
+    queued.close();  // before handles are forgotten: a release must find the callback to wait for
+    const std::lock_guard lock(mutex);
+    endpoints.clear();
+    up = false;
 }
 
 RlinkRuntime::Endpoints::iterator RlinkRuntime::find(Handle handle) {

@@ -13,8 +13,8 @@ Simulator::Simulator(const SimulatorOptions& options)
 }
 
 Simulator::~Simulator() {
-    Installation::process().remove(platform.get());
     platform->close();
+    Installation::process().remove(platform.get());
 }
 
 bool Simulator::isServiceUp() const {

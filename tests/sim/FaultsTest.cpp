@@ -28,15 +28,16 @@ TEST(FaultsTest, EachFaultDoesWhatItSays) {
         std::string all;
     };
     const auto none = ModemError::None;
+    const auto nonsense = static_cast<ModemError>(0xA5A5A5A5);  // a failed call leaves no answer
     const std::string both = "Create 3GPP:1 Modify 3GPP:1 ";
     const Case cases[] = {
-        {Fault::SendFailure, 0, RLINK_ERROR_INTERNAL, none, false, "", ""},
-        {Fault::Timeout, 0, RLINK_ERROR_TIMEOUT, none, false, "", ""},
-        {Fault::TimeoutAfterEffect, 0, RLINK_ERROR_TIMEOUT, none, true, "", both},
+        {Fault::SendFailure, 0, RLINK_ERROR_INTERNAL, nonsense, false, "", ""},
+        {Fault::Timeout, 0, RLINK_ERROR_TIMEOUT, nonsense, false, "", ""},
+        {Fault::TimeoutAfterEffect, 0, RLINK_ERROR_TIMEOUT, nonsense, true, "", both},
         {Fault::Refuse, 77, 0, static_cast<ModemError>(77), false, "", ""},
         {Fault::TableFull, 0, 0, ModemError::TableFull, false, "", ""},
-        {Fault::RestartBeforeEffect, 0, RLINK_ERROR_SERVICE, none, false, "", "Error "},
-        {Fault::RestartAfterEffect, 0, RLINK_ERROR_SERVICE, none, true, "", "Error "},
+        {Fault::RestartBeforeEffect, 0, RLINK_ERROR_SERVICE, nonsense, false, "", "Error "},
+        {Fault::RestartAfterEffect, 0, RLINK_ERROR_SERVICE, nonsense, true, "", "Error "},
         {Fault::RestartAfterResponse, 0, 0, none, true, "", "Error "},
         {Fault::LoseIndication, 0, 0, none, true, "", "Modify 3GPP:1 "},
         {Fault::DelayIndication, 0, 0, none, true, "", "Modify 3GPP:1 Create 3GPP:1 "},
@@ -148,7 +149,7 @@ TEST(FaultsTest, ConnectingFails) {
     EXPECT_EQ(rlink_client_notifier_init(wds_get_service_object_internal_v01(1, 227, 6), nullptr,
                                          &notifier),
               RLINK_ERROR_INTERNAL);
-    EXPECT_EQ(notifier, nullptr);
+    EXPECT_EQ(rlink_client_release(notifier), RLINK_ERROR_CLIENT);
     const Simulator without({.hasService = false});
     EXPECT_EQ(wds_get_service_object_internal_v01(1, 227, 6), nullptr);
 }
