@@ -26,6 +26,7 @@ struct Record {
     bool isEnd = false;
     std::uint64_t step = 0;
     std::uint64_t compared = 0;
+    std::uint64_t excused = 0;
     std::uint64_t faults = 0;
 };
 
@@ -39,13 +40,13 @@ void write(int fd, const void* data, std::size_t size) {
     Outcome outcome;
     try {
         outcome = Driver(seed).run(operations, [fd](std::size_t step) {
-            const Record record{false, step, 0, 0};
+            const Record record{false, step, 0, 0, 0};
             write(fd, &record, sizeof record);
         });
     } catch (const std::exception& error) {
         outcome.failure = std::string("ends with the exception ") + error.what();
     }
-    const Record record{true, outcome.step, outcome.compared, outcome.faults};
+    const Record record{true, outcome.step, outcome.compared, outcome.excused, outcome.faults};
     write(fd, &record, sizeof record);
     write(fd, outcome.failure.data(), outcome.failure.size());
     ::_exit(0);
@@ -79,6 +80,7 @@ Outcome outcomeFrom(std::string_view told) {
         outcome.step = record.step;
         if (record.isEnd) {
             outcome.compared = record.compared;
+            outcome.excused = record.excused;
             outcome.faults = record.faults;
             outcome.failure = told;
             break;

@@ -24,10 +24,8 @@ struct Campaign {
      * shows it. True: all seeds passed. */
     bool run() const;
 
-    /** One seed; empty: it passed. */
-    std::string failureOf(std::uint64_t seed) const;
-
   private:
+    std::string describeFailure(std::uint64_t seed, const Outcome& outcome) const;
     std::string replayCommand(std::uint64_t seed) const;
     Outcome runSeed(std::uint64_t seed) const;
 };

@@ -354,7 +354,9 @@ void Driver::check() {
     checkTable();
     if (simulator.pendingDeliveries() == 0) {
         model.settle();
-        outcome.compared += static_cast<std::uint64_t>(model.compareWithModem());
+        const auto comparison = model.compareWithModem();
+        outcome.compared += comparison.compared;
+        outcome.excused += comparison.excused;
     }
 }
 

@@ -22,8 +22,10 @@ struct Outcome {
     std::string failure;
     /** The step that failed; the number of steps: what follows them. */
     std::size_t step = 0;
-    /** Comparisons of one cached profile with the modem's table. */
+    /** Comparisons of one cached profile with the modem's table, and how often an exception was
+     * claimed instead. */
     std::uint64_t compared = 0;
+    std::uint64_t excused = 0;
     std::uint64_t faults = 0;
     /** The journal of the run; empty unless asked for. */
     std::string journal;

@@ -5,9 +5,7 @@
 #include <velasim/Fault.h>
 
 #include <map>
-#include <optional>
 #include <set>
-#include <string>
 
 #include "Image.h"
 
@@ -33,7 +31,13 @@ class Exceptions {
     Exceptions() { startOver(); }
 
     void add(ProfileId id, const char* reason) { reasons.emplace(id, reason); }
-    void addAll(const char* reason) { everything = reason; }
+    /** The library knows no profile of the technology any more. */
+    void addAll(velasim::Technology technology, const char* reason) {
+        unread[technology] = reason;
+        std::erase_if(known, [&](const auto& id) { return id.technology == technology; });
+    }
+    /** The library has learnt of `id` since. */
+    void onLearnt(ProfileId id) { known.insert(id); }
 
     /** Indications that look like someone else's change of `id` are on their way. */
     void expectForeign(ProfileId id) { underWay.insert(id); }
@@ -70,7 +74,7 @@ class Exceptions {
     /** The cache is read anew: this heals all but what indications under way will do to it. */
     void onReload() {
         reasons.clear();
-        everything.reset();
+        unread.clear();
         for (const auto* ids : {&underWay, &held}) {
             for (const auto& id : *ids) {
                 add(id, kOvertaken);
@@ -78,15 +82,30 @@ class Exceptions {
         }
     }
 
-    void startOver() { *this = Exceptions(kNeverRead); }
+    void startOver() {
+        for (auto* ids : {&known, &underWay, &held}) {
+            ids->clear();
+        }
+        reasons.clear();
+        addAll(velasim::Technology::ThreeGpp, kNeverRead);
+        addAll(velasim::Technology::ThreeGpp2, kNeverRead);
+    }
 
-    bool covers(ProfileId id) const { return everything || reasons.count(id) != 0; }
+    /** Why; null: there is no reason. */
+    const char* reasonFor(ProfileId id) const {
+        const auto reason = reasons.find(id);
+        if (reason != reasons.end()) {
+            return reason->second;
+        }
+        const auto whole = unread.find(id.technology);
+        return whole == unread.end() || known.count(id) != 0 ? nullptr : whole->second;
+    }
+    bool covers(ProfileId id) const { return reasonFor(id) != nullptr; }
 
   private:
-    explicit Exceptions(const char* reason) : everything(reason) {}
-
-    std::optional<std::string> everything;
-    std::map<ProfileId, std::string> reasons;
+    std::map<velasim::Technology, const char*> unread;
+    std::map<ProfileId, const char*> reasons;
+    std::set<ProfileId> known;
     std::set<ProfileId> underWay;
     std::set<ProfileId> held;
 };

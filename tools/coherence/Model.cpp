@@ -123,7 +123,7 @@ int Model::foreignCreate(Technology technology, const velasim::Settings& setting
     const ProfileId id{technology, modem.freeIndex(technology)};
     if (id.index != 0) {
         modem.store(id, settings);
-        cache.onForeignChange(id);
+        cache.onForeignChange(id, kCreation);
     }
     return id.index;
 }
@@ -133,7 +133,7 @@ bool Model::foreignModify(ProfileId id, const velasim::Settings& settings) {
         return false;
     }
     modem.store(id, settings);
-    cache.onForeignChange(id);
+    cache.onForeignChange(id, {Event::Modify});
     return true;
 }
 
@@ -141,7 +141,7 @@ bool Model::foreignDelete(ProfileId id) {
     if (modem.table.erase(id) == 0) {
         return false;
     }
-    cache.onForeignChange(id);
+    cache.onForeignChange(id, {Event::Delete});
     return true;
 }
 

@@ -83,7 +83,7 @@ class Model {
     /** See ModelCache. */
     std::vector<std::string> dump(std::uint64_t firstToken) const { return cache.dump(firstToken); }
     const std::map<ProfileId, velasim::Settings>& table() const { return modem.table; }
-    int compareWithModem() const { return cache.compareWithModem(); }
+    ModelCache::Comparison compareWithModem() const { return cache.compareWithModem(); }
     /** No indication waits in the library. */
     bool hasHandledAll() const { return modem.arrivals.empty(); }
     /** No exception is claimed for anything that is. */

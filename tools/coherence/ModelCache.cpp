@@ -48,11 +48,12 @@ std::optional<ModelCache::Named> ModelCache::add(const vela::AddProfileParams& p
     velasim::setNumber(settings, "persistence_flag", entry.isPersistent ? 1 : 0);
     const auto reply = modem.request(RLINK_WDS_CREATE_PROFILE_REQ_V01, anyOf(technology),
                                      id.index != 0, [&] { modem.store(id, settings); });
-    onOwnRequest(id, reply);
+    onOwnRequest(id, kCreation, reply);
     if (!reply.isSuccess) {
         return std::nullopt;
     }
     cache[token] = entry;
+    exceptions.onLearnt(id);
     pending.push_back({id, Event::Create});
     pending.push_back({id, Event::Modify});
     return Named{token, id};
@@ -74,7 +75,7 @@ bool ModelCache::modify(std::uint64_t token, const vela::ModifyProfileParams& pa
     const auto reply = modem.request(RLINK_WDS_MODIFY_PROFILE_SETTINGS_REQ_V01, entry.id,
                                      modem.table.count(entry.id) != 0,
                                      [&] { modem.store(entry.id, changes.settings()); });
-    onOwnRequest(entry.id, reply);
+    onOwnRequest(entry.id, {Event::Modify}, reply);
     if (reply.isSuccess) {
         entry.image.apply(changes);
         pending.push_back({entry.id, Event::Modify});
@@ -91,7 +92,7 @@ bool ModelCache::remove(std::uint64_t token, ProfileId id) {
         pending.push_back({id, Event::Delete});
         expire({entry});
     } else {
-        onForeignChange(id);  // its indication is nobody's
+        onForeignChange(id, {Event::Delete});  // its indication is nobody's
     }
     return true;
 }
@@ -143,6 +144,7 @@ void ModelCache::follow(const Arrival::Change& change) {
     switch (change.event) {
         case Event::Create:
             cache[nextToken++] = read(change.id);
+            exceptions.onLearnt(change.id);
             return;
         case Event::Delete:
             return removeAllOf(change.id);
@@ -160,9 +162,11 @@ void ModelCache::reload() {
         pending.clear();
     }
     exceptions.onReload();
-    if (readAll(Technology::ThreeGpp)) {
-        readAll(Technology::ThreeGpp2);
+    if (!readAll(Technology::ThreeGpp)) {
+        exceptions.addAll(Technology::ThreeGpp2, kListFailed);  // not asked for
+        return;
     }
+    readAll(Technology::ThreeGpp2);
 }
 
 void ModelCache::startOver() {
@@ -171,14 +175,17 @@ void ModelCache::startOver() {
     dropAll();
 }
 
-void ModelCache::onForeignChange(ProfileId id) {
+void ModelCache::onForeignChange(ProfileId id, const Events& events) {
     if (!modem.isSubscribed()) {
         exceptions.add(id, kUnheard);
         return;
     }
     exceptions.expectForeign(id);
-    if (std::any_of(pending.begin(), pending.end(),
-                    [&](const auto& change) { return change.id == id; })) {
+    const auto isExpected = [&](Event event) {
+        return std::find(pending.begin(), pending.end(), Arrival::Change{id, event}) !=
+               pending.end();
+    };
+    if (std::any_of(events.begin(), events.end(), isExpected)) {
         exceptions.add(id, kSwallowed);
     }
 }
@@ -203,7 +210,7 @@ std::vector<std::string> ModelCache::dump(std::uint64_t firstToken) const {
     return lines;
 }
 
-int ModelCache::compareWithModem() const {
+ModelCache::Comparison ModelCache::compareWithModem() const {
     std::map<ProfileId, std::vector<const Entry*>> entries;
     for (const auto& [id, settings] : modem.table) {
         entries[id];
@@ -213,14 +220,16 @@ int ModelCache::compareWithModem() const {
             entries[cached->id].push_back(&*cached);
         }
     }
-    int compared = 0;
+    Comparison comparison;
     for (const auto& [id, ofId] : entries) {
-        if (modem.arrivals.empty() && !exceptions.covers(id)) {
+        if (!modem.arrivals.empty() || exceptions.covers(id)) {
+            ++comparison.excused;
+        } else {
             compareWithModem(id, ofId);
-            ++compared;
+            ++comparison.compared;
         }
     }
-    return compared;
+    return comparison;
 }
 
 void ModelCache::compareWithModem(ProfileId id, const std::vector<const Entry*>& entries) const {
@@ -280,7 +289,7 @@ bool ModelCache::readAll(Technology technology) {
             }
         });
     if (!reply.isSuccess) {
-        exceptions.addAll(kListFailed);
+        exceptions.addAll(technology, kListFailed);
         return false;
     }
     if (reply.faults.count(Fault::ListOverrun) != 0) {
@@ -350,16 +359,16 @@ void ModelCache::replace(ProfileId id) {
 bool ModelCache::removeFromModem(ProfileId id) {
     const auto reply = modem.request(RLINK_WDS_DELETE_PROFILE_REQ_V01, id,
                                      modem.table.count(id) != 0, [&] { modem.table.erase(id); });
-    onOwnRequest(id, reply);
+    onOwnRequest(id, {Event::Delete}, reply);
     return reply.isSuccess;
 }
 
 /** What a request of the library's own means for the exceptions. */
-void ModelCache::onOwnRequest(ProfileId id, const ModelModem::Reply& reply) {
+void ModelCache::onOwnRequest(ProfileId id, const Events& events, const ModelModem::Reply& reply) {
     if (reply.isSuccess) {
         exceptions.onOwnChange(id);
     } else if (reply.isAnnounced) {
-        onForeignChange(id);  // the library does not know it for its own
+        onForeignChange(id, events);  // the library does not know it for its own
     } else if (reply.hasEffect) {
         exceptions.add(id, kUnheard);
     }

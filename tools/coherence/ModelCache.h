@@ -32,6 +32,7 @@ class ModelCache {
         int count = 0;
         KeyRing::Listeners listeners;
     };
+    using Events = std::vector<Event>;
     using Named = std::pair<std::uint64_t, ProfileId>;
 
     /** All three must outlive the cache. */
@@ -60,7 +61,7 @@ class ModelCache {
     /** Nothing is remembered, and nothing is expected. */
     void startOver();
     /** The modem's `id` was changed, not by the library as far as it knows. */
-    void onForeignChange(ProfileId id);
+    void onForeignChange(ProfileId id, const Events& events);
 
     // ---- the state
 
@@ -69,9 +70,13 @@ class ModelCache {
     const Entry* find(std::uint64_t token) const;
     /** The library's dump but for its log: tokens from `firstToken`, entries by token. */
     std::vector<std::string> dump(std::uint64_t firstToken) const;
-    /** Compares with the modem's table wherever no exception is claimed; returns how many profiles
-     * were compared. */
-    int compareWithModem() const;
+    /** How many profiles were compared, and for how many an exception was claimed. */
+    struct Comparison {
+        std::uint64_t compared = 0;
+        std::uint64_t excused = 0;
+    };
+    /** Compares with the modem's table wherever no exception is claimed. */
+    Comparison compareWithModem() const;
 
   private:
     using Cached = std::optional<Entry>;  // empty: what could not be read
@@ -84,7 +89,7 @@ class ModelCache {
     void removeAllOf(ProfileId id);
     void replace(ProfileId id);
     bool removeFromModem(ProfileId id);
-    void onOwnRequest(ProfileId id, const ModelModem::Reply& reply);
+    void onOwnRequest(ProfileId id, const Events& events, const ModelModem::Reply& reply);
     void compareWithModem(ProfileId id, const std::vector<const Entry*>& entries) const;
 
     ModelModem& modem;

@@ -131,8 +131,8 @@ void ModelModem::expect(JournalKind kind, std::uint32_t messageId, std::optional
     const auto* entry = next();
     if (entry == nullptr || entry->kind != kind || entry->messageId != messageId ||
         (id && (entry->technology != id->technology || entry->index != id->index))) {
-        throw Mismatch("expected " + toString(kind) + " \"" + velasim::messageName(messageId) +
-                       "\" " + (id ? id->text() : "") +
+        const auto message = messageId == 0 ? "" : " \"" + velasim::messageName(messageId) + "\"";
+        throw Mismatch("expected " + toString(kind) + message + (id ? " " + id->text() : "") +
                        ", not: " + (entry == nullptr ? "nothing" : entry->line()));
     }
 }

@@ -22,6 +22,9 @@ namespace coherence {
 /** The library's numbers for what an indication says has happened. */
 enum class Event { Create, Delete, Modify, SubscriptionChange, ProfileReady };
 
+/** What is told of a profile that was created. */
+inline const std::vector<Event> kCreation{Event::Create, Event::Modify};
+
 /** An indication as it arrives at the library. */
 struct Arrival {
     std::uint32_t messageId = 0;

@@ -33,7 +33,7 @@ constexpr KindInfo kKinds[] = {
     {Kind::Drop, "drop", 70},
     {Kind::Listen, "listen", 90},
     {Kind::RefreshStart, "refresh start", 6},
-    {Kind::RefreshEnd, "refresh end", 25},
+    {Kind::RefreshEnd, "refresh end", 60},
     {Kind::Init, "init", 5},
     {Kind::ForeignCreate, "foreign create", 35},
     {Kind::ForeignModify, "foreign modify", 60},
