@@ -51,6 +51,11 @@ class Driver {
 
   private:
     using Key = std::shared_ptr<vela::IProfileKey>;
+    /** The library's dump without its log: entries by token, tokens from 0. */
+    struct Dump {
+        std::vector<std::string> lines;
+        std::vector<std::uint64_t> order;  // of the entries, as they came
+    };
 
     void start();
     void perform(const Operation& operation);
@@ -72,6 +77,7 @@ class Driver {
     void awaitRest();
     void check();
     void checkCache();
+    Dump look();
     void checkKeys();
     void checkTable();
 
@@ -81,7 +87,7 @@ class Driver {
     Model model;
     std::vector<Key> keys{Model::kSlots};
 
-    std::vector<int> calls;  // of listeners, on the worker while this thread waits for it
+    std::vector<KeyRing::Call> calls;  // of listeners, on the worker while this thread waits for it
     int nextListener = 0;
     std::uint64_t firstToken = 0;
     Outcome outcome;

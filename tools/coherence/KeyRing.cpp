@@ -3,6 +3,7 @@
 #include "KeyRing.h"
 
 #include <algorithm>
+#include <iterator>
 #include <string>
 #include <utility>
 
@@ -53,24 +54,26 @@ bool KeyRing::isAlive(const Listener& listener) const {
     return (inUse && inUse->serial == listener.serial) || (key && key->serial == listener.serial);
 }
 
-void KeyRing::witness(std::vector<int> ran) {
-    calls.assign(ran.begin(), ran.end());
+void KeyRing::witness(std::vector<Call> ran) {
+    calls.assign(std::make_move_iterator(ran.begin()), std::make_move_iterator(ran.end()));
 }
 
 bool KeyRing::isNext(const Listeners& listeners) const {
     return !calls.empty() &&
            std::any_of(listeners.begin(), listeners.end(),
-                       [&](const Listener& one) { return one.number == calls.front(); });
+                       [&](const Listener& one) { return one.number == calls.front().number; });
 }
 
-void KeyRing::run(const Listeners& listeners) {
+void KeyRing::run(const Listeners& listeners, const std::vector<std::string>& dump) {
     for (const Listener& listener : listeners) {
         if (!isAlive(listener)) {
             continue;
         }
-        if (calls.empty() || calls.front() != listener.number) {
-            throw Mismatch("listener " + std::to_string(listener.number) + " should have run");
+        const auto name = "listener " + std::to_string(listener.number);
+        if (calls.empty() || calls.front().number != listener.number) {
+            throw Mismatch(name + " should have run");
         }
+        expectEqual("cache as " + name + " saw it", dump, calls.front().dump);
         calls.pop_front();
         const auto key = std::exchange(keys.at(listener.victim), std::nullopt);
         if (key && key->pipeline == pipeline && !(inUse && inUse->serial == key->serial)) {
@@ -81,7 +84,7 @@ void KeyRing::run(const Listeners& listeners) {
 
 void KeyRing::finish() const {
     if (!calls.empty()) {
-        throw Mismatch("listener " + std::to_string(calls.front()) + " should not have run");
+        throw Mismatch("listener " + std::to_string(calls.front().number) + " should not have run");
     }
 }
 

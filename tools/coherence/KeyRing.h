@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <deque>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "Image.h"
@@ -30,6 +31,11 @@ class KeyRing {
         unsigned victim = 0;
     };
     using Listeners = std::vector<Listener>;
+    /** A listener that ran, and the library's dump as it saw it. */
+    struct Call {
+        int number = 0;
+        std::vector<std::string> dump;
+    };
 
     explicit KeyRing(unsigned slots) : keys(slots) {}
 
@@ -52,11 +58,12 @@ class KeyRing {
     bool isAlive(const Listener& listener) const;
 
     /** The listeners that ran, in order; they are to be predicted. */
-    void witness(std::vector<int> ran);
+    void witness(std::vector<Call> ran);
     /** Whether one of these ran first of those that have not been predicted. */
     bool isNext(const Listeners& listeners) const;
-    /** Predicts that these run, in order, but for those whose key is gone by then. */
-    void run(const Listeners& listeners);
+    /** Predicts that these run, in order, but for those whose key is gone by then, and what they
+     * see. */
+    void run(const Listeners& listeners, const std::vector<std::string>& dump);
     /** Fails when more ran than was predicted. */
     void finish() const;
 
@@ -68,7 +75,7 @@ class KeyRing {
     std::vector<std::optional<Key>> keys;
     std::optional<Key> inUse;
     std::deque<std::uint64_t> deferred;
-    std::deque<int> calls;
+    std::deque<Call> calls;
     std::uint64_t nextSerial = 0;
     std::uint64_t pipeline = 0;
 };

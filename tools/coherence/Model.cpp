@@ -5,6 +5,7 @@
 #include <wds_service_v01.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace coherence {
 
@@ -19,9 +20,9 @@ constexpr bool kBlockedReleaseIsMadeUpForLater = false;
 }  // namespace
 
 void Model::witness(const std::vector<velasim::JournalEntry>& entries,
-                    const std::vector<int>& ran) {
+                    std::vector<KeyRing::Call> ran) {
     modem.witness(entries);
-    keys.witness(ran);
+    keys.witness(std::move(ran));
 }
 
 void Model::finish() {

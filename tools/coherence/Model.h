@@ -31,7 +31,7 @@ class Model {
     explicit Model(unsigned capacity) : modem(capacity, exceptions) {}
 
     /** What is to be predicted next, and the listeners that ran meanwhile, in order. */
-    void witness(const std::vector<velasim::JournalEntry>& entries, const std::vector<int>& ran);
+    void witness(const std::vector<velasim::JournalEntry>& entries, std::vector<KeyRing::Call> ran);
     /** In which order the library last showed its entries. */
     void noteMapOrder(std::vector<std::uint64_t> tokens) { cache.noteMapOrder(std::move(tokens)); }
     /** Fails when more happened than was predicted. */
@@ -81,7 +81,7 @@ class Model {
     bool isLive(unsigned slot) const { return keys.at(slot).has_value(); }
     std::optional<std::uint64_t> tokenOf(unsigned slot) const;
     /** See ModelCache. */
-    std::vector<std::string> dump(std::uint64_t firstToken) const { return cache.dump(firstToken); }
+    std::vector<std::string> dump() const { return cache.dump(); }
     const std::map<ProfileId, velasim::Settings>& table() const { return modem.table; }
     ModelCache::Comparison compareWithModem() const { return cache.compareWithModem(); }
     /** No indication waits in the library. */

@@ -89,8 +89,8 @@ bool ModelCache::remove(std::uint64_t token, ProfileId id) {
     }
     const auto entry = cache.extract(token).mapped();
     if (entry) {
-        pending.push_back({id, Event::Delete});
         expire({entry});
+        pending.push_back({id, Event::Delete});
     } else {
         onForeignChange(id, {Event::Delete});  // its indication is nobody's
     }
@@ -197,10 +197,10 @@ const ModelCache::Entry* ModelCache::find(std::uint64_t token) const {
     return found != cache.end() && found->second ? &*found->second : nullptr;
 }
 
-std::vector<std::string> ModelCache::dump(std::uint64_t firstToken) const {
+std::vector<std::string> ModelCache::dump() const {
     std::vector<std::string> lines{"Cache:"};
     for (const auto& [token, cached] : cache) {
-        lines.push_back("  " + std::to_string(token + firstToken) + ": " +
+        lines.push_back("  " + std::to_string(token) + ": " +
                         (cached ? cached->image.text(cached->id) : "null"));
     }
     lines.emplace_back("Pending:");
@@ -309,16 +309,26 @@ void ModelCache::dropAll() {
     expire(std::move(dying));
 }
 
-void ModelCache::removeAllOf(ProfileId id) {
-    std::vector<Cached> dying;
-    std::erase_if(cache, [&](const auto& item) {
-        const bool dies = item.second && item.second->id == id;
-        if (dies) {
-            dying.push_back(item.second);
+/** The entries of one profile, as the library walks them. */
+std::vector<std::uint64_t> ModelCache::tokensOf(ProfileId id) const {
+    std::vector<std::uint64_t> tokens;
+    for (const auto& [token, cached] : cache) {
+        if (cached && cached->id == id) {
+            tokens.push_back(token);
         }
-        return dies;
-    });
-    expire(std::move(dying));
+    }
+    const auto place = [&](auto token) {  // a new entry comes first
+        return std::find(mapOrder.rbegin(), mapOrder.rend(), token) - mapOrder.rend();
+    };
+    std::sort(tokens.begin(), tokens.end(),
+              [&](auto left, auto right) { return place(left) > place(right); });
+    return tokens;
+}
+
+void ModelCache::removeAllOf(ProfileId id) {
+    for (const auto token : tokensOf(id)) {
+        expire({cache.extract(token).mapped()});
+    }
 }
 
 /** Runs the listeners of entries that died. Entries die in no promised order; each entry's
@@ -334,24 +344,13 @@ void ModelCache::expire(std::vector<Cached> dying) {
         const auto cached = *next;
         dying.erase(next);
         if (cached) {
-            keys.run(cached->listeners);
+            keys.run(cached->listeners, dump());
         }
     }
 }
 
 void ModelCache::replace(ProfileId id) {
-    std::vector<std::uint64_t> tokens;
-    for (const auto& [token, cached] : cache) {
-        if (cached && cached->id == id) {
-            tokens.push_back(token);
-        }
-    }
-    const auto place = [&](auto token) {  // a new entry comes first
-        return std::find(mapOrder.rbegin(), mapOrder.rend(), token) - mapOrder.rend();
-    };
-    std::sort(tokens.begin(), tokens.end(),
-              [&](auto left, auto right) { return place(left) > place(right); });
-    for (const auto token : tokens) {
+    for (const auto token : tokensOf(id)) {
         expire({std::exchange(cache.at(token), read(id))});
     }
 }

@@ -68,8 +68,8 @@ class ModelCache {
     bool contains(std::uint64_t token) const { return cache.count(token) != 0; }
     /** Null also for an entry that is empty. */
     const Entry* find(std::uint64_t token) const;
-    /** The library's dump but for its log: tokens from `firstToken`, entries by token. */
-    std::vector<std::string> dump(std::uint64_t firstToken) const;
+    /** The library's dump but for its log, entries by token. */
+    std::vector<std::string> dump() const;
     /** How many profiles were compared, and for how many an exception was claimed. */
     struct Comparison {
         std::uint64_t compared = 0;
@@ -82,6 +82,7 @@ class ModelCache {
     using Cached = std::optional<Entry>;  // empty: what could not be read
 
     Cached* look(std::uint64_t token);
+    std::vector<std::uint64_t> tokensOf(ProfileId id) const;
     Cached read(ProfileId id);
     bool readAll(velasim::Technology technology);
     void dropAll();
