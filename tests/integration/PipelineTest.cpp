@@ -299,12 +299,15 @@ TEST_F(PipelineTest, AfterAnUndecodableIndicationTheQueueWaits) {
     });
     auto deletion = std::async(std::launch::async, [&] { return manager.deleteProfile(key); });
     held.get_future().wait();
+    sim.injectIndication({1}, 0x77);  // passed over
+    sim.injectIndication(indicationOf(0, 9, 2));
     sim.injectIndication({1});
     sim.injectIndication(indicationOf(0, 7, 1));
     sim.waitIdle();
     mayGo.set_value();
     EXPECT_TRUE(deletion.get());
     settle();
+    EXPECT_EQ(logged("ProfileCache: onIndication < 3GPP:9 Delete"), 1U);
     EXPECT_EQ(logged("Unable to decode the nr status ind message"), 1U);
     EXPECT_EQ(logged("ProfileCache: onIndication < 3GPP:7 Create"), 0U);
     sim.injectIndication({1}, 0x77);
