@@ -3,9 +3,9 @@
 #include "Image.h"
 
 #include <algorithm>
-#include <array>
-#include <cstring>
-#include <sstream>
+
+#include "ClientFields.h"
+#include "Value.h"
 
 namespace coherence {
 
@@ -15,80 +15,73 @@ using vela::FilterProfileParams;
 using vela::IPType;
 using vela::ProfileParams;
 
-constexpr std::int64_t kUnknown = 0;
-constexpr std::int64_t kV4V6 = 3;
-constexpr std::size_t kApnLimit = 150;
-
-/** By IP type what the modem calls it: UNKNOWN, V4, V6, V4V6. */
-using IPTypes = std::array<std::uint64_t, 4>;
-constexpr IPTypes kPdp = {3, 0, 2, 3};
-constexpr IPTypes kPdn = {2, 0, 1, 2};
-constexpr IPTypes kOthers = {255, 0, 1, 2};
-
 struct Rule {
     Field field;
+    ValueKind kind;
     const char* label;
     const char* name;
     const char* name2 = nullptr;  // 3GPP2; null: not written
-    const char* copy2 = nullptr;  // written with the same value
+    const char* copy2 = nullptr;  // written with the same value, and never read
     std::size_t limit = 0;        // of a text
 };
 
 constexpr Rule kRules[] = {
-    {Field::ApnName, "ApnName", "apn_name", "apn_string_3gpp2", nullptr, kApnLimit},
-    {Field::Password, "Password", "password", "authentication_password",
+    {Field::ApnName, ValueKind::Text, "ApnName", "apn_name", "apn_string_3gpp2", nullptr,
+     kApnLimit},
+    {Field::UserName, ValueKind::Text, "UserName", "user_name", "user_id", "pdn_level_user_id",
+     127},
+    {Field::Password, ValueKind::Text, "Password", "password", "authentication_password",
      "pdn_level_authentication_password", 127},
-    {Field::CommonIPType, "CommonIPType", "pdp_type", "pdn_type_3gpp2"},
-    {Field::OverrideHomeIPType, "OverrideHomeIPType", "override_home_pdp_type"},
-    {Field::LteRoamIP, "LteRoamIP", "lte_roaming_pdp_type"},
-    {Field::UmtsRoamIP, "UmtsRoamIP", "umts_roaming_pdp_type"},
-    {Field::MaxPdnConnTimer, "MaxPdnConnTimer", "max_pdn_connection_timer"},
-    {Field::ProfileName, "ProfileName", "profile_name", nullptr, nullptr, 50},
+    {Field::AuthType, ValueKind::AuthType, "AuthType", "authentication_preference",
+     "authentication_protocol", "pdn_level_authentication_protocol"},
+    {Field::CommonIPType, ValueKind::CommonIPType, "CommonIPType", "pdp_type", "pdn_type_3gpp2"},
+    {Field::ApnTypesMask, ValueKind::ApnTypes, "ApnTypesMask", "apn_type_mask", "apn_type_mask"},
+    {Field::ApnClass, ValueKind::ApnClass, "ApnClass", "apn_class", "apn_class_3gpp2"},
+    {Field::IsClatEnabled, ValueKind::Flag, "IsClatEnabled", "clat_enabled", "clat_enabled"},
+    {Field::OverrideHomeIPType, ValueKind::HomeIPType, "OverrideHomeIPType",
+     "override_home_pdp_type"},
+    {Field::LteRoamIP, ValueKind::RoamIPType, "LteRoamIP", "lte_roaming_pdp_type"},
+    {Field::UmtsRoamIP, ValueKind::RoamIPType, "UmtsRoamIP", "umts_roaming_pdp_type"},
+    {Field::MaxPdnsConnPerBlock, ValueKind::Count, "MaxPdnsConnPerBlock",
+     "max_pdn_connections_per_block"},
+    {Field::MaxPdnConnTimer, ValueKind::Count, "MaxPdnConnTimer", "max_pdn_connection_timer"},
+    {Field::PdnReqWaitInterval, ValueKind::Count, "PdnReqWaitInterval",
+     "pdn_request_wait_interval"},
+    {Field::IsApnDisabled, ValueKind::Flag, "IsApnDisabled", "apn_disabled_flag"},
+    {Field::IsEmergencySupported, ValueKind::Flag, "IsEmergencySupported",
+     "emergency_calls_support"},
+    {Field::ProfileName, ValueKind::Text, "ProfileName", "profile_name", nullptr, nullptr, 50},
 };
 
-const IPTypes& typesOf(Field field, bool is3gpp2) {
-    return field != Field::CommonIPType ? kOthers : is3gpp2 ? kPdn : kPdp;
-}
-
-/** What does not fit is lost on the way. */
-std::uint64_t toModem(Field field, bool is3gpp2, std::int64_t value) {
-    return field == Field::MaxPdnConnTimer
-               ? static_cast<std::uint16_t>(value)
-               : typesOf(field, is3gpp2).at(static_cast<std::size_t>(value));
-}
-
-std::optional<std::int64_t> fromModem(Field field, bool is3gpp2, std::uint64_t value) {
-    if (field == Field::MaxPdnConnTimer) {
-        return static_cast<std::int64_t>(value);
-    }
-    if (value == kOthers[0] && (field == Field::LteRoamIP || field == Field::UmtsRoamIP)) {
-        return std::nullopt;  // not configured; only the home override calls it unknown
-    }
-    const auto& types = typesOf(field, is3gpp2);
-    const auto* found = std::find(types.begin() + 1, types.end(), value);
-    return found == types.end() ? kUnknown : found - types.begin();
-}
-
-std::string lower(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
-        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+/** Drops what `held` has already. */
+void eraseSame(Image& wanted, const Image& held) {
+    std::erase_if(wanted.texts,
+                  [&](const auto& item) { return held.text(item.first) == item.second; });
+    std::erase_if(wanted.numbers, [&](const auto& item) {
+        const auto number = held.number(item.first);
+        return number && asClient(item.first, *number) == item.second;
     });
-    return text;
 }
 
-/** The fields that cross from a client as they are; IP types and names are the callers'. */
-Image plainFields(const ProfileParams& params, bool is3gpp2) {
-    Image image{is3gpp2, {}, {}};
-    if (params.hasApnName()) {
-        image.texts[Field::ApnName] = lower(params.getApnName().substr(0, kApnLimit));
+/** Up to `limit` bytes, and to the first zero byte. */
+std::string cut(const std::string& text, std::size_t limit) {
+    return text.substr(0, std::min(limit, text.find('\0')));
+}
+
+void writeText(const Rule& rule, bool is3gpp2, const std::string& text,
+               velasim::Settings& settings) {
+    velasim::setText(settings, is3gpp2 ? rule.name2 : rule.name, cut(text, rule.limit));
+    if (is3gpp2 && rule.copy2 != nullptr) {
+        velasim::setText(settings, rule.copy2, cut(text, rule.limit));
     }
-    if (params.hasPassword()) {
-        image.texts[Field::Password] = params.getPassword();
+}
+
+void writeNumber(const Rule& rule, bool is3gpp2, std::int64_t number, velasim::Settings& settings) {
+    const auto value = toModem(rule.kind, is3gpp2, number);
+    velasim::setNumber(settings, is3gpp2 ? rule.name2 : rule.name, value);
+    if (is3gpp2 && rule.copy2 != nullptr) {
+        velasim::setNumber(settings, rule.copy2, value);
     }
-    if (params.hasMaxPdnConnTimer() && !is3gpp2) {
-        image.numbers[Field::MaxPdnConnTimer] = params.getMaxPdnConnTimer();
-    }
-    return image;
 }
 
 template <typename Value>
@@ -98,6 +91,17 @@ std::optional<Value> valueOf(const std::map<Field, Value>& values, Field field) 
 }
 
 }  // namespace
+
+std::string lower(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
+        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+    });
+    return text;
+}
+
+std::optional<std::string> Image::text(Field field) const {
+    return valueOf(texts, field);
+}
 
 std::optional<std::int64_t> Image::number(Field field) const {
     return valueOf(numbers, field);
@@ -114,7 +118,17 @@ std::optional<std::int64_t> Image::roamIPType() const {
 }
 
 Image Image::changesFor(const ProfileParams& params) const {
-    Image changes = plainFields(params, is3gpp2);
+    Image changes = clientFields(params, is3gpp2);
+    eraseSame(changes, *this);
+    if (const auto types = changes.number(Field::ApnTypesMask)) {
+        changes.numbers[Field::ApnTypesMask] = modemTypesOf(*types);
+    }
+    changes.apply(changedIPTypes(params));
+    return changes;
+}
+
+Image Image::changedIPTypes(const ProfileParams& params) const {
+    Image changes{is3gpp2, {}, {}};
     auto home = homeIPType();
     auto roam = roamIPType();
     if (params.hasHomeIPType()) {
@@ -135,10 +149,7 @@ Image Image::changesFor(const ProfileParams& params) const {
     if (home) {
         changes.numbers[Field::CommonIPType] = *home;
     }
-    std::erase_if(changes.texts,
-                  [&](const auto& item) { return valueOf(texts, item.first) == item.second; });
-    std::erase_if(changes.numbers,
-                  [&](const auto& item) { return valueOf(numbers, item.first) == item.second; });
+    eraseSame(changes, *this);
     return changes;
 }
 
@@ -152,46 +163,16 @@ void Image::apply(const Image& changes) {
 }
 
 bool Image::isIA() const {
-    return valueOf(texts, Field::ProfileName) == "vela_profile_ia";
+    return text(Field::ProfileName) == "vela_profile_ia";
 }
 
 bool Image::isVela() const {
-    return isIA() || valueOf(texts, Field::ProfileName) == "vela_profile";
-}
-
-bool Image::matches(ProfileId id, const FilterProfileParams& filter) const {
-    const Image asked = plainFields(filter, false);
-    const bool isPartEnough =
-        (filter.getFilterMatchCriteria() & toMask(vela::FilterMatchCriteria::ApnNameSubset)) != 0;
-    for (const auto& [field, wanted] : asked.texts) {
-        const auto held = valueOf(texts, field);
-        const bool isPart = field == Field::ApnName && isPartEnough && held &&
-                            held->find(wanted) != std::string::npos;
-        if (!isPart && held != wanted) {
-            return false;
-        }
-    }
-    const auto timer = asked.number(Field::MaxPdnConnTimer);
-    return (!timer || number(Field::MaxPdnConnTimer) == timer) &&
-           (!filter.hasFilterByTechType() ||
-            (filter.getFilterByTechType() == vela::TechType::TECH_3GPP2) == is3gpp2) &&
-           (!filter.hasFilterByProfileId() || filter.getFilterByProfileId() == id.index) &&
-           (!filter.hasFilterByIsIAProfile() || (!is3gpp2 && filter.getIsIAProfile() == isIA())) &&
-           (!filter.hasFilterByIsVelaProfile() ||
-            (!is3gpp2 && filter.getIsVelaProfile() == isVela()));
+    return isIA() || text(Field::ProfileName) == "vela_profile";
 }
 
 ProfileParams Image::params() const {
     FilterProfileParams result;
-    if (const auto name = valueOf(texts, Field::ApnName)) {
-        result.setApnName(*name);
-    }
-    if (const auto password = valueOf(texts, Field::Password)) {
-        result.setPassword(*password);
-    }
-    if (const auto timer = number(Field::MaxPdnConnTimer)) {
-        result.setMaxPdnConnTimer(static_cast<int>(*timer));
-    }
+    tellFields(*this, result);
     if (const auto home = homeIPType()) {
         result.setHomeIPType(static_cast<IPType>(*home));
     }
@@ -206,34 +187,26 @@ ProfileParams Image::params() const {
 }
 
 std::string Image::text(ProfileId id) const {
-    std::ostringstream out;
-    out << "TechType=" << toString(id.technology) << ",ProfileId=" << id.index << ",";
+    auto line = "TechType=" + toString(id.technology) + ",ProfileId=" + std::to_string(id.index);
     for (const auto& rule : kRules) {
-        const auto text = valueOf(texts, rule.field);
         const auto held = number(rule.field);
-        if (text) {
-            out << rule.label << "=" << *text << ",";
-        } else if (held && rule.field == Field::MaxPdnConnTimer) {
-            out << rule.label << "=" << *held << ",";
-        } else if (held) {
-            out << rule.label << "=" << static_cast<IPType>(*held) << ",";
+        if (const auto value = held ? printed(rule.kind, *held) : text(rule.field)) {
+            line += "," + std::string(rule.label) + "=" + *value;
         }
     }
-    return out.str();
+    return line + ",";
 }
 
 velasim::Settings Image::settings() const {
     velasim::Settings settings{};
     for (const auto& rule : kRules) {
-        const char* name = is3gpp2 ? rule.name2 : rule.name;
-        const auto text = valueOf(texts, rule.field);
-        const auto held = number(rule.field);
-        if (name != nullptr && text) {
-            const auto cut = text->substr(0, rule.limit);
-            velasim::setText(settings, name, cut);
-            velasim::setText(settings, is3gpp2 && rule.copy2 != nullptr ? rule.copy2 : name, cut);
-        } else if (name != nullptr && held) {
-            velasim::setNumber(settings, name, toModem(rule.field, is3gpp2, *held));
+        if ((is3gpp2 ? rule.name2 : rule.name) == nullptr) {
+            continue;
+        }
+        if (const auto held = text(rule.field)) {
+            writeText(rule, is3gpp2, *held, settings);
+        } else if (const auto value = number(rule.field)) {
+            writeNumber(rule, is3gpp2, *value, settings);
         }
     }
     return settings;
@@ -249,7 +222,7 @@ Image Image::of(const velasim::Settings& settings, bool is3gpp2) {
         if (const auto text = velasim::textOf(settings, name)) {
             image.texts[rule.field] = rule.field == Field::ApnName ? lower(*text) : *text;
         } else if (const auto number = velasim::numberOf(settings, name)) {
-            if (const auto value = fromModem(rule.field, is3gpp2, *number)) {
+            if (const auto value = fromModem(rule.kind, is3gpp2, *number)) {
                 image.numbers[rule.field] = *value;
             }
         }
@@ -268,8 +241,9 @@ void Image::unterminate() {
 void garble(velasim::Settings& settings) {
     constexpr std::uint64_t kMeaningless = 0x10000;
     for (const auto& rule : kRules) {
-        for (const char* name : {rule.name, rule.name2}) {
-            if (rule.limit == 0 && rule.field != Field::MaxPdnConnTimer && name != nullptr &&
+        for (const bool is3gpp2 : {false, true}) {
+            const char* name = is3gpp2 ? rule.name2 : rule.name;
+            if (isEnumerator(rule.kind, is3gpp2) && name != nullptr &&
                 velasim::numberOf(settings, name)) {
                 velasim::setNumber(settings, name, kMeaningless);
             }

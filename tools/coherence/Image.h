@@ -25,21 +25,29 @@ struct ProfileId {
     std::string text() const { return velasim::toString(technology) + ":" + std::to_string(index); }
 };
 
-/** What the library holds of a profile, in the order in which it prints it. Fields that only pass
- * through like one of these are left out: no profile of a run has them. */
+/** What the library holds of a profile, in the order in which it prints it. */
 enum class Field {
     ApnName,
+    UserName,
     Password,
+    AuthType,
     CommonIPType,
+    ApnTypesMask,
+    ApnClass,
+    IsClatEnabled,
     OverrideHomeIPType,
     LteRoamIP,
     UmtsRoamIP,
+    MaxPdnsConnPerBlock,
     MaxPdnConnTimer,
+    PdnReqWaitInterval,
+    IsApnDisabled,
+    IsEmergencySupported,
     ProfileName
 };
 
 /** The values of one profile as the library is expected to hold them; absent fields are left out.
- */
+ * APN types have the modem's bits. */
 struct Image {
     bool is3gpp2 = false;
     std::map<Field, std::string> texts;
@@ -47,6 +55,7 @@ struct Image {
 
     bool operator==(const Image&) const = default;
 
+    std::optional<std::string> text(Field field) const;
     std::optional<std::int64_t> number(Field field) const;
 
     /** What `params` would change; all they ask for when the image is empty. */
@@ -68,12 +77,17 @@ struct Image {
     /** Texts that fill their arrays, as a modem sends them that forgets the terminator. */
     void unterminate();
 
-  private:
     std::optional<std::int64_t> homeIPType() const;
-    std::optional<std::int64_t> roamIPType() const;
     bool isIA() const;
     bool isVela() const;
+
+  private:
+    std::optional<std::int64_t> roamIPType() const;
+    Image changedIPTypes(const vela::ProfileParams& params) const;
 };
+
+/** As APN names are kept. */
+std::string lower(std::string text);
 
 /** The same settings with enumerators that mean nothing. */
 void garble(velasim::Settings& settings);

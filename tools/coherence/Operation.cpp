@@ -9,6 +9,7 @@
 #include <numeric>
 
 #include "Model.h"
+#include "RandomProfile.h"
 
 namespace coherence {
 
@@ -26,10 +27,10 @@ struct KindInfo {
 
 constexpr KindInfo kKinds[] = {
     {Kind::Add, "add", 90},
-    {Kind::Modify, "modify", 70},
+    {Kind::Modify, "modify", 120},
     {Kind::Delete, "delete", 50},
     {Kind::Filter, "filter", 70},
-    {Kind::Match, "match", 30},
+    {Kind::Match, "match", 60},
     {Kind::Drop, "drop", 70},
     {Kind::Listen, "listen", 90},
     {Kind::RefreshStart, "refresh start", 6},
@@ -55,40 +56,6 @@ constexpr std::uint32_t kMessages[] = {
     RLINK_WDS_CREATE_PROFILE_REQ_V01,   RLINK_WDS_MODIFY_PROFILE_SETTINGS_REQ_V01,
     RLINK_WDS_DELETE_PROFILE_REQ_V01,   RLINK_WDS_GET_PROFILE_SETTINGS_REQ_V01,
     RLINK_WDS_GET_PROFILE_LIST_REQ_V01, velasim::kForeignChange};
-
-template <typename Value, std::size_t Size>
-const Value& oneOf(Random& random, const Value (&values)[Size]) {
-    return values[random.below(Size)];
-}
-
-/** Small pools, so that filters match and changes repeat; with values that do not fit. */
-void setPlainFields(Random& random, double probability, vela::ProfileParams& params) {
-    static const std::string kNames[] = {
-        "internet", "IMS", "ims", "Internet.Operator", "", "net", std::string(160, 'N')};
-    static const std::string kPasswords[] = {"", "secret", "Secret", std::string(140, 's')};
-    static constexpr int kTimers[] = {0, 1, 30, 65536, 70000, -1};
-    if (random.chance(2 * probability)) {
-        params.setApnName(oneOf(random, kNames));
-    }
-    if (random.chance(probability)) {
-        params.setPassword(oneOf(random, kPasswords));
-    }
-    if (random.chance(probability)) {
-        params.setMaxPdnConnTimer(oneOf(random, kTimers));
-    }
-}
-
-vela::ProfileParams randomParams(Random& random) {
-    vela::ProfileParams params;
-    setPlainFields(random, 0.3, params);
-    if (random.chance(0.4)) {
-        params.setHomeIPType(static_cast<vela::IPType>(random.below(4)));
-    }
-    if (random.chance(0.4)) {
-        params.setRoamIPType(static_cast<vela::IPType>(random.below(4)));
-    }
-    return params;
-}
 
 bool isMeaningful(const velasim::FaultRule& rule) {
     if (rule.messageId == velasim::kAnyMessage ||
@@ -116,16 +83,23 @@ std::string describe(const velasim::FaultRule& rule) {
            " times";
 }
 
+/** Keys are found in the first slots, mostly. */
+unsigned randomSlot(Random& random, Kind kind) {
+    const bool isQuestion = kind == Kind::Modify || kind == Kind::Match;
+    const auto slots = isQuestion && random.chance(0.8) ? 3 : Model::kSlots;
+    return static_cast<unsigned>(random.below(slots));
+}
+
 }  // namespace
 
 vela::ProfileParams Operation::params() const {
     Random random(detail);
-    return randomParams(random);
+    return randomParams(random, kFewFields);
 }
 
 vela::AddProfileParams Operation::addParams() const {
     Random random(detail);
-    const auto params = randomParams(random);
+    const auto params = randomParams(random, kManyFields);
     const bool isOdd = random.chance(0.01);  // a technology that does not exist
     const auto technology = isOdd ? 2 : random.chance(0.3) ? 1 : 0;
     const bool isPersistent = random.chance(0.4);
@@ -134,24 +108,7 @@ vela::AddProfileParams Operation::addParams() const {
 
 vela::FilterProfileParams Operation::filter() const {
     Random random(detail);
-    vela::FilterProfileParams filter;
-    setPlainFields(random, 0.1, filter);
-    if (random.chance(0.3)) {
-        filter.setFilterByTechType(static_cast<vela::TechType>(random.below(2)));
-    }
-    if (random.chance(0.1)) {
-        filter.setFilterByProfileId(static_cast<int>(random.below(8)));
-    }
-    if (random.chance(0.3)) {
-        filter.setFilterByIsVelaProfile(random.chance(0.8));
-    }
-    if (random.chance(0.1)) {
-        filter.setFilterByIsIAProfile(random.chance(0.5));
-    }
-    if (random.chance(0.5)) {
-        filter.addFilterMatchCriteria(toMask(vela::FilterMatchCriteria::ApnNameSubset));
-    }
-    return filter;
+    return randomFilter(random);
 }
 
 ProfileId Operation::id() const {
@@ -162,21 +119,7 @@ ProfileId Operation::id() const {
 
 velasim::Settings Operation::settings() const {
     Random random(detail);
-    const auto params = randomParams(random);
-    const Image nothing{id().is3gpp2(), {}, {}};
-    auto settings = nothing.changesFor(params).settings();
-    if (params.hasApnName() && random.chance(0.5)) {  // others need not write lower case
-        velasim::setText(settings, id().is3gpp2() ? "apn_string_3gpp2" : "apn_name",
-                         params.getApnName().substr(0, WDS_APN_NAME_MAX_V01));
-    }
-    if (random.chance(0.3)) {
-        velasim::setText(settings, "profile_name",
-                         random.chance(0.5) ? "vela_profile" : "somebody");
-    }
-    if (random.chance(0.3)) {
-        velasim::setNumber(settings, "persistence_flag", random.below(2));
-    }
-    return settings;
+    return randomSettings(random, id().is3gpp2());
 }
 
 velasim::FaultRule Operation::rule() const {
@@ -268,7 +211,7 @@ std::vector<Operation> randomOperations(std::uint64_t seed, std::size_t count,
             pick -= weights[kind++];
         }
         operation.kind = kKinds[kind].kind;
-        operation.slot = static_cast<unsigned>(random.below(Model::kSlots));
+        operation.slot = randomSlot(random, operation.kind);
         operation.other = static_cast<unsigned>(random.below(Model::kSlots));
         operation.detail = random.next();
     }
