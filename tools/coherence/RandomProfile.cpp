@@ -38,7 +38,7 @@ vela::IPType randomIPType(Random& random) {
     return static_cast<vela::IPType>(random.chance(0.03) ? 5 : random.below(4));
 }
 
-/** Each with the same probability, but for APN names, which come twice as often. */
+/** Each with the same probability, but for those that are found by a part of theirs. */
 void setPlainFields(Random& random, double probability, Params& params) {
     const auto draw = [&](auto set, const auto& pool) {
         if (random.chance(probability)) {
@@ -48,7 +48,7 @@ void setPlainFields(Random& random, double probability, Params& params) {
     if (random.chance(2 * probability)) {
         params.setApnName(oneOf(random, kNames));
     }
-    if (random.chance(probability)) {
+    if (random.chance(2 * probability)) {
         params.setApnTypesMask(randomTypes(random));
     }
     draw(&Params::setUserName, kUsers);
@@ -81,7 +81,8 @@ struct RawNumber {
  * kept or ignored, a type that is not configured is none. */
 constexpr RawNumber kRawNumbers[] = {
     {"apn_type_mask", 0x8000'0000'0000'0001U},
-    {"apn_type_mask", 0x1'0000'1045U},
+    {"apn_type_mask", 0x1001},
+    {"apn_type_mask", 0x1'0000'1013U},
     {"clat_enabled", 2},
     {"override_home_pdp_type", 255},
     {"lte_roaming_pdp_type", 0},
@@ -98,7 +99,7 @@ constexpr RawNumber kRawNumbers[] = {
 };
 
 void setRawNumbers(Random& random, velasim::Settings& settings) {
-    while (random.chance(0.6)) {
+    while (random.chance(0.7)) {
         const auto& raw = oneOf(random, kRawNumbers);
         velasim::setNumber(settings, raw.name, raw.value);
     }
