@@ -240,7 +240,7 @@ void Driver::fill(const vela::FilterProfileParams& params) {
 void Driver::listen(unsigned slot, unsigned victim) {
     const int number = ++nextListener;
     const auto listener = [this, number, victim] {
-        calls.push_back({number, look().lines});
+        calls.push_back({number, LibraryDump(manager.dump(), firstToken).lines});
         if (manager.getProfile(keys[victim])) {
             calls.push_back({-number, {}});  // nothing may be answered here
         }
@@ -355,25 +355,9 @@ void Driver::check() {
 }
 
 void Driver::checkCache() {
-    auto seen = look();
+    LibraryDump seen(manager.dump(), firstToken);
     expectEqual("cache", model.dump(), seen.lines);
     model.noteMapOrder(std::move(seen.order));
-}
-
-Driver::Dump Driver::look() {
-    auto lines = manager.dump();
-    lines.erase(std::find(lines.begin(), lines.end(), ""), lines.end());
-    const auto end = std::find(lines.begin(), lines.end(), "Pending:");
-    Dump seen;
-    for (auto line = lines.begin() + 1; line < end; ++line) {
-        seen.order.push_back(std::stoull(*line) - firstToken);
-        *line = "  " + std::to_string(seen.order.back()) + line->substr(line->find(':'));
-    }
-    std::sort(lines.begin() + 1, end, [](const auto& left, const auto& right) {
-        return std::stoull(left) < std::stoull(right);
-    });
-    seen.lines = std::move(lines);
-    return seen;
 }
 
 void Driver::checkKeys() {

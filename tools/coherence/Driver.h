@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "LibraryDump.h"
 #include "Model.h"
 #include "Operation.h"
 #include "vela/Manager.h"
@@ -51,11 +52,6 @@ class Driver {
 
   private:
     using Key = std::shared_ptr<vela::IProfileKey>;
-    /** The library's dump without its log: entries by token, tokens from 0. */
-    struct Dump {
-        std::vector<std::string> lines;
-        std::vector<std::uint64_t> order;  // of the entries, as they came
-    };
 
     void start();
     void perform(const Operation& operation);
@@ -77,7 +73,6 @@ class Driver {
     void awaitRest();
     void check();
     void checkCache();
-    Dump look();
     void checkKeys();
     void checkTable();
 
