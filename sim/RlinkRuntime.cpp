@@ -120,6 +120,11 @@ std::vector<std::uint32_t> RlinkRuntime::connectedClients() const {
     return clients;
 }
 
+std::size_t RlinkRuntime::openHandles() const {
+    const std::lock_guard lock(mutex);
+    return endpoints.size();
+}
+
 void RlinkRuntime::serviceUp() {
     const std::lock_guard lock(mutex);
     up = true;

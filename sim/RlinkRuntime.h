@@ -54,6 +54,7 @@ class RlinkRuntime {
     bool isServiceUp() const;
     bool isConnected(std::uint32_t client) const;
     std::vector<std::uint32_t> connectedClients() const;
+    std::size_t openHandles() const;
 
     void serviceUp();
     void serviceDown();

@@ -50,6 +50,10 @@ std::size_t Simulator::subscribedClients(std::int32_t instance) const {
     return platform->subscribedClients(instance);
 }
 
+std::size_t Simulator::openHandles() const {
+    return platform->runtime.openHandles();
+}
+
 bool Simulator::waitSubscribed(std::int32_t instance, std::chrono::milliseconds atMost) const {
     return platform->waitSubscribed(instance, atMost);
 }

@@ -122,6 +122,7 @@ TEST(RuntimeTest, ServiceComesAndGoes) {
     EXPECT_EQ(late.events, "0");
     EXPECT_EQ(simulator.journal().count(JournalKind::ErrorDelivered), 2U);
     EXPECT_EQ(simulator.subscribedClients(), 0U);
+    EXPECT_EQ(simulator.openHandles(), 3U);  // the dead client is one
 }
 
 TEST(RuntimeTest, BadHandlesFailAndReleasedOnesStillDecode) {

@@ -86,6 +86,9 @@ class VELASIM_API Simulator {
     /** Clients that indications of this instance go to: bound, registered, with an event list. */
     std::size_t subscribedClients(std::int32_t instance = 0) const;
 
+    /** Clients and notifiers that were made and not released, dead ones included. */
+    std::size_t openHandles() const;
+
     /** Waits until subscribedClients() is not 0. False: the time ran out first. */
     bool waitSubscribed(std::int32_t instance = 0,
                         std::chrono::milliseconds atMost = std::chrono::seconds(10)) const;
