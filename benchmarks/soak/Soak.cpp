@@ -6,27 +6,54 @@
 #include <chrono>
 #include <cinttypes>
 #include <cstdio>
-#include <cstdlib>
 #include <future>
-#include <list>
-#include <thread>
+#include <string>
+#include <utility>
 
 #include "velasim/DiagLog.h"
 
 namespace {
 
 using velasim::Fault;
-using velasim::Technology;
 
-constexpr std::chrono::seconds kStandstill{30};
-constexpr std::uint64_t kRequestsPerChange = 40;
-constexpr std::uint64_t kRequestsPerRestart = 4000;
-constexpr std::size_t kKeysPerThread = 6;
+constexpr std::uint64_t kParts = 5;  // the first one warms up
+constexpr std::uint64_t kRequestsPerRound = 5000;
+constexpr std::uint64_t kPercentAdded = 50;
 
 // What may differ between two moments of rest: fragments, buffers that grow to their bound.
-constexpr std::uint64_t kAllocatedSlack = 256U << 10U;
-constexpr std::uint64_t kResidentSlack = 8U << 20U;
-constexpr std::uint64_t kBytesPerPendingRecord = 64;
+constexpr std::int64_t kAllocatedSlack = 128 << 10;
+constexpr std::int64_t kResidentSlack = 8 << 20;
+constexpr std::int64_t kRiseSlack = 8 << 10;
+constexpr std::int64_t kBytesPerPendingRecord = 48;
+
+struct Chance {
+    Fault fault;
+    double probability;
+};
+constexpr Chance kFaults[] = {
+    {Fault::Timeout, 0.005},
+    {Fault::Refuse, 0.005},
+    {Fault::TimeoutAfterEffect, 0.005},
+    {Fault::RestartBeforeEffect, 0.0005},
+    {Fault::RestartAfterEffect, 0.0005},
+    {Fault::RestartAfterResponse, 0.0005},
+    {Fault::LoseIndication, 0.005},
+    {Fault::TruncateIndication, 0.005},
+    {Fault::DelayIndication, 0.005},
+    {Fault::DuplicateIndication, 0.005},
+    {Fault::ReorderIndication, 0.005},
+    {Fault::IndicationBeforeResponse, 0.005},
+};
+
+void addFaults(velasim::FaultPlan& plan) {
+    for (const auto& [fault, probability] : kFaults) {
+        velasim::FaultRule rule;
+        rule.fault = fault;
+        rule.count = 0;
+        rule.probability = probability;
+        plan.add(rule);
+    }
+}
 
 velasim::SimulatorOptions optionsFor(std::uint64_t seed) {
     velasim::SimulatorOptions options;
@@ -34,29 +61,7 @@ velasim::SimulatorOptions optionsFor(std::uint64_t seed) {
     options.capacity = 100;
     options.seed = seed;
     options.journalLimit = 1024;
-    for (const auto fault : {Fault::Timeout, Fault::Refuse, Fault::LoseIndication,
-                             Fault::TruncateIndication, Fault::TimeoutAfterEffect}) {
-        velasim::FaultRule rule;
-        rule.fault = fault;
-        rule.count = 0;
-        rule.probability = 0.005;
-        options.faults.push_back(rule);
-    }
     return options;
-}
-
-double megabytes(std::uint64_t bytes) {
-    return static_cast<double>(bytes) / (1 << 20);
-}
-
-using Key = std::shared_ptr<vela::IProfileKey>;
-
-vela::AddProfileParams someProfile(velasim::Random& random, const std::string& name) {
-    vela::AddProfileParams params(random.chance(0.1), static_cast<vela::TechType>(random.below(2)),
-                                  false);
-    params.setApnName(name);
-    params.setHomeIPType(static_cast<vela::IPType>(random.below(4)));
-    return params;
 }
 
 /** Whether a line of the library's log says that a caller got another's answer, or none. */
@@ -70,187 +75,91 @@ std::size_t countPending(const std::vector<std::string>& dump) {
     return static_cast<std::size_t>(std::find(pending, dump.end(), "") - pending - 1);
 }
 
+double megabytes(std::uint64_t bytes) {
+    return static_cast<double>(bytes) / (1 << 20);
+}
+
 }  // namespace
 
-Soak::Soak(const Options& options) : options(options), simulator(optionsFor(options.seed)) {
-    velasim::DiagLog::instance().setSink(
-        [this](const velasim::DiagLog::Line& line) { mixedUp += isMixUp(line) ? 1 : 0; });
+Soak::Soak(const Options& options, ProgressWatchdog& watchdog)
+    : options(options),
+      watchdog(watchdog),
+      simulator(optionsFor(options.seed)),
+      checkup(manager, simulator, watchdog),
+      outsiders(simulator, options.seed),
+      sharedKeys((options.threads + 1) / 2) {
+    velasim::DiagLog::instance().setSink([this](const velasim::DiagLog::Line& line) {
+        tally.lostAnswers += isMixUp(line) && !Client::isListening() ? 1 : 0;
+    });
+    watchdog.doing("initialising the library");
     manager.init(0, false);
 }
 
 Soak::~Soak() {
+    watchdog.doing("destroying all");
     velasim::DiagLog::instance().setSink({});
 }
 
 bool Soak::run() {
-    std::thread writer([this] { secondWriter(); });
-    std::thread modem([this] { restarter(); });
-    const auto warmUp = options.requests / 5;
-    phase(warmUp);
-    const auto before = sample();
     const auto begin = std::chrono::steady_clock::now();
-    phase(options.requests - warmUp);
+    bool isInOrder = rest(false);
+    for (std::uint64_t i = 0; i < kParts && isInOrder; ++i) {
+        isInOrder = part(options.requests / kParts);
+    }
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
-    const auto after = sample();
-    isOver = true;
-    changesDue.release();
-    restartsDue.release();
-    writer.join();
-    modem.join();
-    return report(before, after, took.count());
+    require(isInOrder, "given up");
+    return report(took.count());
 }
 
-/** One thread of radio software, which calls by chance and holds some keys. */
-class Soak::Client {
-  public:
-    Client(Soak& soak, std::uint64_t number)
-        : soak(soak),
-          name("client" + std::to_string(number)),
-          random(soak.options.seed * 1000 + number + soak.asked) {
-        own.setApnName(name);
-    }
-
-    void run(std::uint64_t requests) {
-        for (std::uint64_t i = 0; i < requests; ++i) {
-            const auto key = keys.empty() ? nullptr : keys[random.below(keys.size())];
-            call(key);
-            std::erase(keys, nullptr);
-            while (keys.size() > kKeysPerThread) {
-                dropOne();
-            }
-        }
-        while (!keys.empty()) {
-            dropOne();
+/** Some rounds, then a sample; false: the library is not in order. */
+bool Soak::part(std::uint64_t requests) {
+    for (std::uint64_t done = 0; done < requests; done += kRequestsPerRound) {
+        round(std::min(kRequestsPerRound, requests - done));
+        if (!rest(done + kRequestsPerRound >= requests)) {
+            return false;
         }
     }
+    return true;
+}
 
-  private:
-    void call(const Key& key) {
-        vela::Manager& library = soak.manager;
-        switch (random.below(key ? 8 : 2)) {
-            case 0:
-                return ask([&] { keys.push_back(library.addProfile(someProfile(random, name))); });
-            case 1:
-                return ask([&] {
-                    const auto found = library.filter(own);
-                    keys.insert(keys.end(), found.begin(), found.end());
-                });
-            case 2:
-                return ask([&] { library.getProfile(key); });
-            case 3:
-                return ask([&] {
-                    const auto profile = someProfile(random, name);
-                    library.modifyProfile(vela::ModifyProfileParams(profile), key);
-                });
-            case 4:
-                return ask([&] { library.match(own, key); });
-            case 5:
-                return ask([&] { library.deleteProfile(key); });
-            case 6:
-                return ask([&] {
-                    key->registerExpirationListener([&soak = soak] { ++soak.expirations; });
-                });
-            default:
-                dropOne();
-        }
-    }
-
-    void dropOne() {
-        if (!keys.empty()) {
-            std::swap(keys[random.below(keys.size())], keys.back());
-            ask([&] { keys.pop_back(); });
-        }
-    }
-
-    template <typename Request>
-    void ask(Request request) {
-        const auto count = ++soak.asked;
-        if (count % kRequestsPerChange == 0) {
-            soak.changesDue.release();
-        }
-        if (count % kRequestsPerRestart == 0) {
-            soak.restartsDue.release();
-        }
-        request();
-        ++soak.answered;
-    }
-
-    Soak& soak;
-    const std::string name;
-    velasim::Random random;
-    vela::FilterProfileParams own;
-    std::vector<Key> keys;
-};
-
-void Soak::phase(std::uint64_t requests) {
+void Soak::round(std::uint64_t requests) {
+    watchdog.doing("serving the clients");
+    ++rounds;
     std::vector<std::future<void>> clients;
     for (std::uint64_t number = 0; number < options.threads; ++number) {
         clients.push_back(std::async(std::launch::async, [this, number, requests] {
-            Client(*this, number).run(requests / options.threads);
+            const Client::Surroundings surroundings{manager, tally, outsiders, watchdog,
+                                                    sharedKeys[number / 2]};
+            const auto seed = (options.seed * 1'000'000 + rounds) * 1000 + number;
+            Client(surroundings, number, seed).run(requests / options.threads);
         }));
     }
     for (auto& one : clients) {
-        auto seen = answered.load();
-        while (one.wait_for(kStandstill) != std::future_status::ready) {
-            if (answered == seen) {
-                std::fprintf(stderr,
-                             "soak: nothing moves, %" PRIu64 " of %" PRIu64 " requests answered\n",
-                             answered.load(), asked.load());
-                std::abort();
-            }
-            seen = answered;
-        }
+        one.get();
     }
 }
 
-void Soak::secondWriter() {
-    velasim::Random random(options.seed + 1);
-    for (changesDue.acquire(); !isOver; changesDue.acquire()) {
-        change(random);
-        ++foreignChanges;
+/** A moment of rest, in which the library is checked; false: it is not in order. */
+bool Soak::rest(bool isSampled) {
+    const auto lock = outsiders.pause();
+    watchdog.doing("coming to rest");
+    simulator.faults().reset(options.seed + rounds);
+    simulator.serviceUp();
+    simulator.releaseDelayed();
+    if (!checkup.passes()) {
+        return false;
     }
+    if (isSampled) {
+        samples.push_back(sample());
+    }
+    addFaults(simulator.faults());
+    return true;
 }
 
-void Soak::change(velasim::Random& random) {
-    const auto technology = static_cast<Technology>(random.below(2));
-    const auto index = static_cast<int>(1 + random.below(100));
-    velasim::Settings settings{};
-    velasim::setText(settings, technology == Technology::ThreeGpp ? "apn_name" : "apn_string_3gpp2",
-                     "foreign");
-    switch (random.below(16)) {
-        case 0:
-            simulator.profileReady(0);
-            break;
-        case 1:
-        case 2:
-        case 3:
-            simulator.foreignCreate(0, technology, settings);
-            break;
-        case 4:
-        case 5:
-        case 6:
-        case 7:
-            simulator.foreignModify(0, technology, index, settings);
-            break;
-        default:
-            simulator.foreignDelete(0, technology, index);
-    }
-}
-
-void Soak::restarter() {
-    for (restartsDue.acquire(); !isOver; restartsDue.acquire()) {
-        simulator.restart();
-        ++restarts;
-    }
-}
-
-/** Between the phases only the second writer and the restarts may be at work, for a moment. */
 Soak::Sample Soak::sample() {
-    while (changesDue.try_acquire() || restartsDue.try_acquire()) {
-    }
+    watchdog.doing("taking a sample");
+    simulator.restore({});  // whatever is held with empty tables is not a profile
     manager.refresh(vela::PDCRefreshStatus::RefreshCompleted);
-    simulator.waitIdle();
-    manager.getProfile(nullptr);
     Sample sample;
     sample.pendingRecords = countPending(manager.dump());
     simulator.journal().clear();
@@ -259,45 +168,73 @@ Soak::Sample Soak::sample() {
     return sample;
 }
 
-bool Soak::report(const Sample& before, const Sample& after, double seconds) const {
-    const std::uint64_t measured = options.requests - options.requests / 5;
-    std::printf(
-        "%" PRIu64 " requests of %" PRIu64 " threads, %" PRIu64 " answered; %.0f requests/s\n",
-        asked.load(), options.threads, answered.load(), static_cast<double>(measured) / seconds);
-    std::printf("%" PRIu64 " changes by a second writer, %" PRIu64 " restarts, %" PRIu64
-                " expirations, %" PRIu64 " answers mixed up\n",
-                foreignChanges, restarts, expirations.load(), mixedUp.load());
-    const auto print = [](const char* when, const Sample& sample) {
-        std::printf(
-            "%s: %.1f MB resident, %.2f MB allocated, %zu descriptors, %zu threads, "
-            "%zu pending records\n",
-            when, megabytes(sample.resources.residentBytes),
-            megabytes(sample.resources.allocatedBytes), sample.resources.descriptors,
-            sample.resources.threads, sample.pendingRecords);
-    };
-    print("after warm-up", before);
-    print("at the end   ", after);
-
-    bool isGood = true;
-    const auto require = [&](bool holds, const char* complaint) {
-        if (!holds) {
-            std::fprintf(stderr, "soak: %s\n", complaint);
-            isGood = false;
-        }
-    };
-    // Records whose indication was lost stay for good, on purpose.
-    const auto forRecords = after.pendingRecords * kBytesPerPendingRecord;
-    const auto& first = before.resources;
-    const auto& last = after.resources;
-    require(asked == answered && mixedUp == 0, "answers were lost");
-    require(restarts > 0 && foreignChanges > 0, "too few requests for a restart");
-    require(last.descriptors <= first.descriptors, "descriptors leak");
-    require(last.threads <= first.threads, "threads leak");
-    require(last.allocatedBytes <= first.allocatedBytes + forRecords + kAllocatedSlack,
-            "allocated memory grows");
-    // Sanitizers keep books of their own in resident memory.
-    require(last.allocatedBytes == 0 ||
-                last.residentBytes <= first.residentBytes + forRecords + kResidentSlack,
-            "resident memory grows");
+bool Soak::report(double seconds) {
+    const auto lock = outsiders.pause();
+    printFigures(seconds);
+    require(tally.wrongAnswers == 0, "answers were wrong");
+    require(tally.lostAnswers == 0, "answers were lost or mixed up");
+    require(tally.added * 100 >= tally.addsAsked * kPercentAdded, "too few additions succeeded");
+    require(tally.expirations > 0, "no listener has run");
+    require(outsiders.restartsMade() + outsiders.outagesMade() > 0 && outsiders.changesMade() > 0,
+            "too few requests for a restart");
+    require(checkup.subscribedByRestart() <= rounds / 2, "subscriptions failed too often");
+    if (!samples.empty()) {
+        requireNoGrowth();
+    }
     return isGood;
+}
+
+void Soak::require(bool holds, const char* complaint) {
+    if (!holds) {
+        std::fprintf(stderr, "soak: %s\n", complaint);
+        isGood = false;
+    }
+}
+
+void Soak::printFigures(double seconds) {
+    std::printf(
+        "%" PRIu64 " requests of %" PRIu64 " threads in %" PRIu64 " rounds; %.0f requests/s\n",
+        tally.asked.load(), options.threads, rounds, static_cast<double>(tally.asked) / seconds);
+    std::printf("%" PRIu64 " changes by a second writer, %" PRIu64 " restarts, %" PRIu64
+                " outages; %" PRIu64 " times reconnected by init, %" PRIu64
+                " times subscribed by a restart\n",
+                outsiders.changesMade(), outsiders.restartsMade(), outsiders.outagesMade(),
+                checkup.reconnectedByInit(), checkup.subscribedByRestart());
+    std::printf("%" PRIu64 " of %" PRIu64 " additions succeeded, %" PRIu64 " expirations, %" PRIu64
+                " answers wrong, %" PRIu64 " lost or mixed up\n",
+                tally.added.load(), tally.addsAsked.load(), tally.expirations.load(),
+                tally.wrongAnswers.load(), tally.lostAnswers.load());
+    const char* when = "after warm-up";
+    for (const auto& [resources, pendingRecords] : samples) {
+        std::printf(
+            "%s: %.1f MB resident, %.3f MB allocated, %zu descriptors, %zu threads, "
+            "%zu pending records\n",
+            when, megabytes(resources.residentBytes), megabytes(resources.allocatedBytes),
+            resources.descriptors, resources.threads, pendingRecords);
+        when = "later        ";
+    }
+}
+
+/** Bytes without those of the records, which stay for good, on purpose, when their indication is
+ * lost. */
+std::int64_t Soak::Sample::unexplained(std::uint64_t bytes) const {
+    return static_cast<std::int64_t>(bytes) -
+           static_cast<std::int64_t>(pendingRecords) * kBytesPerPendingRecord;
+}
+
+void Soak::requireNoGrowth() {
+    const auto& first = samples.front();
+    const auto& last = samples.back();
+    require(last.resources.descriptors <= first.resources.descriptors, "descriptors leak");
+    require(last.resources.threads <= first.resources.threads, "threads leak");
+    require(last.allocated() <= first.allocated() + kAllocatedSlack, "allocated memory grows");
+    const auto isNoRise = [](const Sample& one, const Sample& next) {
+        return next.allocated() <= one.allocated() + kRiseSlack;
+    };
+    require(std::adjacent_find(samples.begin(), samples.end(), isNoRise) != samples.end(),
+            "allocated memory rises steadily");
+    // Sanitizers keep books of their own in resident memory.
+    require(
+        last.resources.allocatedBytes == 0 || last.resident() <= first.resident() + kResidentSlack,
+        "resident memory grows");
 }

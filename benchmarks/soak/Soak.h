@@ -2,22 +2,23 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <atomic>
 #include <cstdint>
-#include <memory>
-#include <semaphore>
-#include <string>
 #include <vector>
 
+#include "Checkup.h"
+#include "Client.h"
+#include "Outsiders.h"
+#include "ProgressWatchdog.h"
 #include "Resources.h"
+#include "Tally.h"
 #include "vela/Manager.h"
-#include "velasim/Random.h"
 #include "velasim/Simulator.h"
 
 /**
- * Many client threads, a second writer and a modem that restarts, loses indications and times out,
- * all at once. A first part warms up; what the process holds after it is compared with what it
- * holds at the end.
+ * Many client threads, a second writer and a modem that restarts, fails requests and loses, repeats
+ * and delays indications, all at once, in rounds. Between two rounds the library has to be in
+ * order. A first part of the rounds warms up; what the process holds after it is compared with what
+ * it holds later.
  */
 class Soak {
   public:
@@ -27,43 +28,43 @@ class Soak {
         std::uint64_t seed = 1;
     };
 
-    explicit Soak(const Options& options);
+    Soak(const Options& options, ProgressWatchdog& watchdog);
     ~Soak();
     Soak(const Soak&) = delete;
     Soak& operator=(const Soak&) = delete;
 
-    /** Prints the figures and what is wrong with them. True: nothing. Ends the process when nothing
-     * moves for half a minute. */
+    /** Prints the figures and what is wrong with them. True: nothing. */
     bool run();
 
   private:
-    class Client;
-
+    /** What is held at a moment of rest. */
     struct Sample {
         Resources resources;
         std::size_t pendingRecords = 0;
+
+        std::int64_t allocated() const { return unexplained(resources.allocatedBytes); }
+        std::int64_t resident() const { return unexplained(resources.residentBytes); }
+        std::int64_t unexplained(std::uint64_t bytes) const;
     };
 
-    void phase(std::uint64_t requests);
-    void secondWriter();
-    void restarter();
-    void change(velasim::Random& random);
+    bool part(std::uint64_t requests);
+    void round(std::uint64_t requests);
+    bool rest(bool isSampled);
     Sample sample();
-    bool report(const Sample& before, const Sample& after, double seconds) const;
+    bool report(double seconds);
+    void printFigures(double seconds);
+    void require(bool holds, const char* complaint);
+    void requireNoGrowth();
 
     const Options options;
+    ProgressWatchdog& watchdog;
+    Tally tally;
     velasim::Simulator simulator;
     vela::Manager manager;
-
-    std::atomic<std::uint64_t> asked{0};
-    std::atomic<std::uint64_t> answered{0};
-    std::atomic<std::uint64_t> mixedUp{0};  // answers of another request's kind, or none
-    std::atomic<std::uint64_t> expirations{0};
-    std::uint64_t foreignChanges = 0;
-    std::uint64_t restarts = 0;
-
-    // Clients pace the second writer and the restarts by what they ask.
-    std::atomic<bool> isOver{false};
-    std::counting_semaphore<> changesDue{0};
-    std::counting_semaphore<> restartsDue{0};
+    Checkup checkup;
+    Outsiders outsiders;
+    std::vector<SharedKey> sharedKeys;
+    std::uint64_t rounds = 0;
+    bool isGood = true;
+    std::vector<Sample> samples;
 };

@@ -1,12 +1,20 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <string>
 
+#include "ProgressWatchdog.h"
 #include "Soak.h"
+
+namespace {
+
+constexpr std::chrono::seconds kStandstill{30};
+
+}  // namespace
 
 int main(int argc, char** argv) {
     Soak::Options options;
@@ -22,5 +30,6 @@ int main(int argc, char** argv) {
             return 2;
         }
     }
-    return Soak(options).run() ? 0 : 1;
+    ProgressWatchdog watchdog(kStandstill);
+    return Soak(options, watchdog).run() ? 0 : 1;
 }
