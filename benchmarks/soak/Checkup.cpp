@@ -23,17 +23,18 @@ const char* const kName = "checkup";
 enum class Connection { Made, Refused, AwaitsService };
 
 Connection lastConnection(const velasim::Journal::Entries& entries) {
-    const auto last = std::find_if(entries.rbegin(), entries.rend(), [](const auto& entry) {
-        return entry.kind == JournalKind::NotifierCreated ||
-               entry.kind == JournalKind::ClientConnected || entry.kind == JournalKind::Released;
-    });
-    if (last == entries.rend()) {
-        return Connection::Made;
+    for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
+        if (entry->fault == velasim::Fault::ClientInitFailure) {
+            return Connection::Refused;
+        }
+        if (entry->kind == JournalKind::ClientConnected) {
+            return entry->result == 0 ? Connection::Made : Connection::Refused;
+        }
+        if (entry->kind == JournalKind::NotifierCreated || entry->kind == JournalKind::Released) {
+            return Connection::AwaitsService;
+        }
     }
-    if (last->kind != JournalKind::ClientConnected) {
-        return Connection::AwaitsService;
-    }
-    return last->result == 0 ? Connection::Made : Connection::Refused;
+    return Connection::Made;
 }
 
 bool complain(bool holds, const char* complaint) {
@@ -73,7 +74,7 @@ bool Checkup::isConnected() {
  * library that has seen no such failure gets no help. */
 void Checkup::connectAgain() {
     switch (lastConnection(simulator.journal().snapshot())) {
-        case Connection::Refused:  // the service went away in the middle
+        case Connection::Refused:  // by a fault, or the service went away in the middle
             library.refresh(vela::PDCRefreshStatus::RefreshCompleted);  // listeners run before
             library.init(0, false);
             ++inits;

@@ -51,9 +51,9 @@ class Soak {
     void round(std::uint64_t requests);
     bool rest(bool isSampled);
     Sample sample();
-    bool report(double seconds);
     void printFigures(double seconds);
     void require(bool holds, const char* complaint);
+    void requireEnoughOfAll();
     void requireNoGrowth();
 
     const Options options;
