@@ -7,6 +7,7 @@
 #include <cinttypes>
 #include <cstdio>
 #include <future>
+#include <iterator>
 #include <string>
 #include <utility>
 
@@ -54,6 +55,14 @@ void addFaults(velasim::FaultPlan& plan) {
         rule.probability = probability;
         plan.add(rule);
     }
+}
+
+std::uint64_t countStrikes(const velasim::FaultPlan& plan) {
+    std::uint64_t count = 0;
+    for (std::size_t rule = 0; rule < std::size(kFaults); ++rule) {
+        count += plan.strikes(rule);
+    }
+    return count;
 }
 
 velasim::SimulatorOptions optionsFor(std::uint64_t seed) {
@@ -121,9 +130,11 @@ bool Soak::run() {
 
 /** Some rounds, then a sample; false: the library is not in order. */
 bool Soak::part(std::uint64_t requests) {
-    for (std::uint64_t done = 0; done < requests; done += kRequestsPerRound) {
-        round(std::min(kRequestsPerRound, requests - done));
-        if (!rest(done + kRequestsPerRound >= requests)) {
+    bool isLast = false;
+    for (std::uint64_t left = requests; !isLast; left -= kRequestsPerRound) {
+        isLast = left <= kRequestsPerRound;
+        round(std::min(kRequestsPerRound, left));
+        if (!rest(isLast)) {
             return false;
         }
     }
@@ -151,6 +162,7 @@ void Soak::round(std::uint64_t requests) {
 bool Soak::rest(bool isSampled) {
     const auto lock = outsiders.pause();
     watchdog.doing("coming to rest");
+    faultsStruck += countStrikes(simulator.faults());
     simulator.faults().reset(options.seed + rounds);
     simulator.serviceUp();
     simulator.releaseDelayed();
@@ -188,11 +200,12 @@ void Soak::printFigures(double seconds) {
     std::printf(
         "%" PRIu64 " requests of %" PRIu64 " threads in %" PRIu64 " rounds; %.0f requests/s\n",
         tally.asked.load(), options.threads, rounds, static_cast<double>(tally.asked) / seconds);
-    std::printf("%" PRIu64 " changes by a second writer, %" PRIu64 " restarts, %" PRIu64
-                " outages; %" PRIu64 " times reconnected by init, %" PRIu64
+    std::printf("%" PRIu64 " changes by a second writer, %" PRIu64 " faults, %" PRIu64
+                " restarts, %" PRIu64 " outages; %" PRIu64 " times reconnected by init, %" PRIu64
                 " times subscribed by a restart\n",
-                outsiders.changesMade(), outsiders.restartsMade(), outsiders.outagesMade(),
-                checkup.reconnectedByInit(), checkup.subscribedByRestart());
+                outsiders.changesMade(), faultsStruck, outsiders.restartsMade(),
+                outsiders.outagesMade(), checkup.reconnectedByInit(),
+                checkup.subscribedByRestart());
     std::printf("%" PRIu64 " of %" PRIu64 " additions succeeded, %" PRIu64 " expirations, %" PRIu64
                 " answers wrong, %" PRIu64 " lost or mixed up\n",
                 tally.added.load(), tally.addsAsked.load(), tally.expirations.load(),
@@ -212,6 +225,7 @@ void Soak::requireEnoughOfAll() {
     const auto lock = outsiders.pause();
     require(outsiders.changesMade() > 0 && outsiders.restartsMade() + outsiders.outagesMade() > 0,
             "too few requests for a restart");
+    require(faultsStruck > 0, "no fault has struck");
     require(tally.added * 100 >= tally.addsAsked * kPercentAdded, "too few additions succeeded");
     require(tally.expirations > 0, "no listener has run");
     require(checkup.subscribedByRestart() <= rounds / 2, "subscriptions failed too often");

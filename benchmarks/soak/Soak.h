@@ -65,6 +65,7 @@ class Soak {
     Outsiders outsiders;
     std::vector<SharedKey> sharedKeys;
     std::uint64_t rounds = 0;
+    std::uint64_t faultsStruck = 0;
     bool isGood = true;
     std::vector<Sample> samples;
 };
