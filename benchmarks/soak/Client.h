@@ -46,7 +46,7 @@ class Client {
         SharedKey& shared;
     };
 
-    /** `number` is its name's, below kNames. */
+    /** `number` becomes part of its profiles' name. */
     Client(const Surroundings& surroundings, std::uint64_t number, std::uint64_t seed);
 
     void run(std::uint64_t requests);
