@@ -68,8 +68,8 @@ std::optional<std::int64_t> homeIPTypeOf(const Image& image) {
     return image.is3gpp2 ? home.value_or(kUnknown) : home;
 }
 
-/** A profile without roaming types roams with its common one; one of two halves of which only the
- * UMTS one is missing counts as UNKNOWN. */
+/** A profile without roaming types roams with its common one; a UMTS type alone that is missing
+ * counts as UNKNOWN. */
 std::optional<std::int64_t> roamIPTypeOf(const Image& image) {
     const auto lte = image.number(Field::LteRoamIP);
     const auto umts = image.number(Field::UmtsRoamIP);
