@@ -42,6 +42,12 @@ constexpr std::array<FaultInfo, 22> kFaults = {{
     {Fault::ErrorCallbackFailure, "error-callback-failure", FaultPoint::Connect},
 }};
 
+bool isChange(std::uint32_t messageId) {
+    return messageId == RLINK_WDS_CREATE_PROFILE_REQ_V01 ||
+           messageId == RLINK_WDS_MODIFY_PROFILE_SETTINGS_REQ_V01 ||
+           messageId == RLINK_WDS_DELETE_PROFILE_REQ_V01;
+}
+
 const FaultInfo& infoOf(Fault fault) {
     return kFaults.at(static_cast<std::size_t>(fault));
 }
@@ -72,6 +78,14 @@ std::vector<Fault> allFaults() {
 }
 
 bool appliesTo(Fault fault, std::uint32_t messageId) {
+    if (pointOf(fault) == FaultPoint::Connect) {
+        return false;
+    }
+    if (pointOf(fault) == FaultPoint::Indication) {
+        const bool isForeign =
+            messageId == kForeignChange && fault != Fault::IndicationBeforeResponse;
+        return isForeign || isChange(messageId);
+    }
     switch (fault) {
         case Fault::TableFull:
             return messageId == RLINK_WDS_CREATE_PROFILE_REQ_V01;
@@ -82,10 +96,8 @@ bool appliesTo(Fault fault, std::uint32_t messageId) {
         case Fault::UnterminatedText:
             return messageId == RLINK_WDS_GET_PROFILE_LIST_REQ_V01 ||
                    messageId == RLINK_WDS_GET_PROFILE_SETTINGS_REQ_V01;
-        case Fault::IndicationBeforeResponse:
-            return messageId != kForeignChange;
         default:
-            return true;
+            return messageId != kForeignChange;
     }
 }
 

@@ -58,12 +58,23 @@ TEST_F(Scenarios, AFileThatMakesNoSenseIsRefusedBeforeItBegins) {
         {"add a b", "write it as: add KEY"},
         {"add a --home-ip v5", "use IPv4, IPv6 or IPv4v6"},
         {"add a --tech 5g", "--tech"},
-        {"add a --colour red", "--colour"},
+        {"add a --colour red", "\"--colour\" is no option here; use --apn"},
+        {"add a --apn", "--apn needs a value"},
+        {"add a \"--apn\" b", "write it as: add KEY"},
+        {"modify a", "nothing to change"},
+        {"find a --id abc", "--id: \"abc\" must be a whole number from 0 to 255"},
         {"refresh later", "use started or completed"},
         {"fault bad-luck", "\"bad-luck\" is no fault; use send-failure"},
         {"fault refuse --message call", "use any, foreign, create"},
-        {"fault table-full --message list", "means nothing for the message list"},
-        {"fault refuse --probability 2", "--probability"},
+        {"fault table-full --message list",
+         "means nothing for the message list; use any or create"},
+        {"fault lose-indication --message list", "use any, foreign, create, modify or delete"},
+        {"fault time-out --message foreign", "means nothing"},
+        {"fault no-service-instance --message create", "means nothing"},
+        {"fault refuse --probability nan", "must be a number from 0 to 1"},
+        {"fault refuse --first 0", "whole number from 1"},
+        {"fault refuse --value 010", "whole number"},
+        {"fault send-failure --value 7", "is no messaging error; use -1"},
         {"foreign create colour=red", "is no setting=value"},
         {"foreign create pdp_type=many", "does not fit into pdp_type"},
         {"foreign modify 0 apn_name=a", "is no profile index; use a number from 1 to 255"},
@@ -88,6 +99,37 @@ add call --temporary --apn call
 listen call
 foreign modify 2 apn_name=other
 )";
+
+TEST_F(Scenarios, TellsNoPasswordInWhicheverWayItIsWritten) {
+    const char* const statements[] = {
+        "add k --password secret",
+        "add k --password a\"b secret\"",
+        "add k --password=\"a secret\"",
+        "add k --user u --password=\"--secret\"",
+        "foreign create password=secret",
+        "foreign create \"password=a secret\"",
+        "foreign create --tech 3GPP2 authentication_password=secret",
+        "foreign create --tech 3GPP2 pdn_level_authentication_password=secret",
+        "add k\nmodify k \"--password\" secret",
+        "say never\nexpect log \"Password=a secret\"",
+    };
+    for (const char* statement : statements) {
+        const ToolRun masked = play(statement);
+        EXPECT_THAT(masked.out + masked.err, Not(HasSubstr("secret"))) << statement;
+    }
+    EXPECT_THAT(play(statements[1], {"--show-secrets"}).out,
+                HasSubstr("> add k --password \"ab secret\"\n"));
+}
+
+TEST_F(Scenarios, TakesTextThatBeginsWithADash) {
+    const ToolRun result = play(
+        "say the option --tech -- is\n"
+        "add a --user \"--u\" --password=-p\n"
+        "expect key a --user \"--u\" --password \"-p\"\n"
+        "fault send-failure --value -3\n");
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("the option --tech -- is\n"));
+}
 
 TEST_F(Scenarios, AnExpectationHoldsOrEndsTheStoryAtItsLine) {
     struct Case {

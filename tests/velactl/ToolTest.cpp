@@ -106,7 +106,7 @@ TEST_F(Tool, BadInputGetsOneClearLineAndLosesNothing) {
         {{"add", "--types", "default,tv"}, 2, "\"tv\" is no APN type"},
         {{"add", "--auth", "md5"}, 2, "use none, PAP, CHAP or PAP_CHAP"},
         {{"add", "--class", "web"}, 2, "use IMS, ADMN, INET or APP"},
-        {{"add", "--max-conns", "70000"}, 2, "70000 is not from 0 to 65535"},
+        {{"add", "--max-conns", "70000"}, 2, "\"70000\" must be a whole number from 0 to 65535"},
         {{"add", "--apn", std::string(151, 'a')}, 2, "151 bytes; a profile holds 150"},
         {{"list", "--instance", "99"}, 2, "--instance"},
         {{"add", "--capacity", "0"}, 2, "--capacity"},

@@ -10,6 +10,7 @@ namespace velactl {
 
 inline constexpr std::size_t kMaxApnName = 150;
 inline constexpr std::size_t kMaxCredential = 127;
-inline constexpr long kMaxShort = 65535;
+inline constexpr int kMaxShort = 65535;
+inline constexpr int kMaxIndex = 255;
 
 }  // namespace velactl

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PolicyCommands.h"
 
+#include "Limits.h"
 #include "NumberOption.h"
 #include "PolicyStory.h"
 #include "Provisioner.h"
@@ -152,7 +153,7 @@ PolicyCommand::Decision AttachCommand::decide(vela::Util& policies, const Reques
 }
 
 void MatchAttachCommand::addOptions(CLI::App& app) {
-    addNumber(app, "id", index, "index of the 3GPP profile")->required();
+    addNumber(app, "id", index, "index of the 3GPP profile", 0, kMaxIndex)->required();
     PolicyCommand::addOptions(app);
 }
 

@@ -5,6 +5,7 @@
 #include <CLI/App.hpp>
 #include <string>
 
+#include "Limits.h"
 #include "NumberOption.h"
 #include "Words.h"
 
@@ -14,7 +15,7 @@ namespace velactl {
 class ProfileAddress {
   public:
     void addTo(CLI::App& app) {
-        addNumber(app, "id", index, "index of the profile")->required();
+        addNumber(app, "id", index, "index of the profile", 0, kMaxIndex)->required();
         addTechTo(app);
     }
 

@@ -35,14 +35,6 @@ const std::string& checkedText(const char* option, const std::string& text, std:
     return text;
 }
 
-int checkedNumber(const char* option, int number) {
-    if (number < 0 || number > kMaxShort) {
-        throw badUsage(std::string(option) + ": " + std::to_string(number) + " is not from 0 to " +
-                       std::to_string(kMaxShort));
-    }
-    return number;
-}
-
 }  // namespace
 
 void ProfileOptions::addTo(CLI::App& app) {
@@ -57,9 +49,9 @@ void ProfileOptions::addTo(CLI::App& app) {
     addFlag(app, "clat", clat, "use 464XLAT");
     addFlag(app, "emergency", emergency, "emergency calls are supported");
     addFlag(app, "disabled", disabled, "the APN is disabled");
-    addNumber(app, "--max-conns", maxConns, "PDN connections allowed per time block");
-    addNumber(app, "--max-conns-time", maxConnsTime, "that time block in seconds");
-    addNumber(app, "--wait-time", waitTime, "wait between PDN requests in seconds");
+    addNumber(app, "--max-conns", maxConns, "PDN connections allowed per time block", 0, kMaxShort);
+    addNumber(app, "--max-conns-time", maxConnsTime, "that time block in seconds", 0, kMaxShort);
+    addNumber(app, "--wait-time", waitTime, "wait between PDN requests in seconds", 0, kMaxShort);
 }
 
 void ProfileOptions::applyTo(vela::ProfileParams& params) const {
@@ -97,13 +89,13 @@ void ProfileOptions::applyTo(vela::ProfileParams& params) const {
         params.setIsApnDisabled(*disabled);
     }
     if (maxConns) {
-        params.setMaxPdnsConnPerBlock(checkedNumber("--max-conns", *maxConns));
+        params.setMaxPdnsConnPerBlock(*maxConns);
     }
     if (maxConnsTime) {
-        params.setMaxPdnConnTimer(checkedNumber("--max-conns-time", *maxConnsTime));
+        params.setMaxPdnConnTimer(*maxConnsTime);
     }
     if (waitTime) {
-        params.setPdnReqWaitInterval(checkedNumber("--wait-time", *waitTime));
+        params.setPdnReqWaitInterval(*waitTime);
     }
 }
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "TableCommands.h"
 
+#include "Limits.h"
 #include "LogMask.h"
 #include "NumberOption.h"
 #include "Table.h"
@@ -58,7 +59,7 @@ Exit ShowCommand::run(const Context& context) {
 void MatchCommand::addOptions(CLI::App& app) {
     fields.addTo(app);
     app.add_option("--tech", tech, "only 3GPP, or only 3GPP2");
-    addNumber(app, "--index", index, "only the profile of that index");
+    addNumber(app, "--index", index, "only the profile of that index", 0, kMaxIndex);
     app.add_option("--made-by", madeBy, "only profiles made by: vela, vela-ia or others");
     app.add_flag("--loose", isLoose,
                  "names and types may be contained, IP types may overlap either way");

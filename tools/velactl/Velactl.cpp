@@ -28,11 +28,11 @@ void addGlobalOptions(CLI::App& app, Options& options) {
     app.add_option("--modem", options.modem.file,
                    "file that keeps the simulated modem's memory between runs")
         ->check(missingName);
-    addNumber(app, "--instance", options.modem.instance, "modem instance (subscription), from 0")
-        ->check(CLI::Range(0, kMaxInstance));
+    addNumber(app, "--instance", options.modem.instance, "modem instance (subscription), from 0", 0,
+              kMaxInstance);
     addNumber(app, "--capacity", options.modem.capacity,
-              "profiles per technology of the simulated modem (16 when it is new)")
-        ->check(CLI::Range(1U, kMaxCapacity));
+              "profiles per technology of the simulated modem (16 when it is new)", 1U,
+              kMaxCapacity);
     app.add_flag("--json", options.json, "one JSON document instead of text");
     app.add_flag("--show-secrets", options.showSecrets, "do not mask passwords");
     app.add_flag("--log", options.log, "the library's log lines on the error stream");

@@ -82,11 +82,12 @@ std::string rightWords(const Words& words) {
 }
 
 template <typename Words>
-auto read(const Words& words, std::string_view option, std::string_view text, const char* what) {
+auto read(const Words& words, std::string_view option, std::string_view text, const char* what,
+          const char* orElse = "") {
     const auto* found = find(words, text);
     if (found == words.end()) {
         throw badUsage(std::string(option) + ": " + inQuotes(text) + " is no " + what + "; use " +
-                       rightWords(words));
+                       rightWords(words) + orElse);
     }
     return found->value;
 }
@@ -151,15 +152,17 @@ ApnClass readApnClass(std::string_view option, std::string_view text) {
 }
 
 unsigned int readTypes(std::string_view option, std::string_view text) {
+    constexpr const char* kOrNone = "; or none alone";
     unsigned int mask = 0;
     if (sameLetters(text, "none")) {
         return mask;
     }
     for (const std::string& name : split(text, ',')) {
-        mask |= toMask(read(kApnTypes, option, name, "APN type"));
+        mask |= toMask(read(kApnTypes, option, name, "APN type", kOrNone));
     }
     if (mask == 0) {
-        throw badUsage(std::string(option) + ": no APN type given; use " + rightWords(kApnTypes));
+        throw badUsage(std::string(option) + ": no APN type given; use " + rightWords(kApnTypes) +
+                       kOrNone);
     }
     return mask;
 }

@@ -58,7 +58,7 @@ VELASIM_API std::optional<Fault> faultNamed(std::string_view name);
 VELASIM_API std::vector<Fault> allFaults();
 
 /** Whether the fault means anything for this request, or for an indication that it causes:
- * ListOverrun, for one, only for the list. */
+ * ListOverrun, for one, only for the list, and a fault on connecting for none. */
 VELASIM_API bool appliesTo(Fault fault, std::uint32_t messageId);
 
 /** As a rule's message: every message, and for indications every cause. */

@@ -16,7 +16,7 @@ namespace velasim {
 /** What a journal entry records. */
 enum class JournalKind {
     NotifierCreated,
-    ClientConnected,  // also a refused attempt: `result` is not 0
+    ClientConnected,  // of a refused attempt only the fault is recorded
     Released,         // of a client or notifier
     Request,
     Response,  // also of a call that failed: `result` is not 0

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "ProfileOptions.h"
+#include "scenario/ScenarioText.h"
 
 namespace velactl {
 
@@ -21,6 +22,7 @@ enum OptionGroup : unsigned {
     kLifetime = 4,  // --temporary, --ia
     kSearch = 8,    // --id
     kRule = 16,     // when a fault strikes
+    kFreeText = 32  // none: whatever it is given are words
 };
 
 /** What a statement was given. A plain value once parsed. */
@@ -37,7 +39,7 @@ struct Arguments {
     std::uint32_t every = 1;
     std::uint32_t count = 1;
     double probability = 1.0;
-    std::uint32_t value = 0;
+    std::optional<std::int64_t> value;
 
     vela::TechType tech() const;
 
@@ -45,13 +47,15 @@ struct Arguments {
     int number(std::size_t word, int lowest, int highest, const char* what) const;
 
     /** Parses `given`, the statement without its name. Throws ToolError. */
-    void parse(const std::vector<std::string>& given, unsigned optionGroups);
+    void parse(const std::vector<ScenarioWord>& given, unsigned optionGroups);
 
     /** The options of these groups, as they are typed. */
     static std::vector<std::string> optionNames(unsigned optionGroups);
 
   private:
     void addTo(CLI::App& app, unsigned optionGroups);
+    std::vector<std::string> takeOptions(const CLI::App& app,
+                                         const std::vector<ScenarioWord>& given);
 };
 
 }  // namespace velactl

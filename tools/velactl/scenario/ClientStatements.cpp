@@ -41,6 +41,12 @@ void find(Stage& stage, const Arguments& arguments) {
     holdResult(stage, arguments.words[0], keys.empty() ? nullptr : keys.front());
 }
 
+void checkFields(const Arguments& arguments) {
+    if (arguments.fields.isEmpty()) {
+        throw badUsage("nothing to change; give at least one field, as --apn NAME");
+    }
+}
+
 void modify(Stage& stage, const Arguments& arguments) {
     const bool done = stage.manager().modifyProfile(
         vela::ModifyProfileParams(arguments.fields.params()), stage.held(arguments.words[0]).key);
@@ -127,7 +133,7 @@ std::vector<StatementKind> clientStatements() {
          1, kFields | kTech | kLifetime, nullptr, add},
         {"find", "KEY [--id N] [fields] [--tech T]", "hold a key of the first profile that matches",
          1, 1, kFields | kTech | kSearch, nullptr, find},
-        {"modify", "KEY fields", "change a profile", 1, 1, kFields, nullptr, modify},
+        {"modify", "KEY fields", "change a profile", 1, 1, kFields, checkFields, modify},
         {"delete", "KEY", "delete a profile from the modem", 1, 1, kNoOptions, nullptr, remove},
         {"get", "KEY", "read a profile through the library", 1, 1, kNoOptions, nullptr, get},
         {"match", "KEY fields", "does the profile match?", 1, 1, kFields, nullptr, match},

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "Limits.h"
 #include "ProfileRecord.h"
 #include "Text.h"
 #include "ToolError.h"
@@ -14,7 +15,6 @@ namespace velactl {
 namespace {
 
 constexpr int kMaxCount = 1000000;
-constexpr int kMaxIndex = 255;
 
 void require(bool holds, const std::string& found) {
     if (!holds) {
@@ -137,11 +137,13 @@ void disagree(Stage& stage, const Arguments& /*arguments*/) {
 
 void logLine(Stage& stage, const Arguments& arguments) {
     const auto& lines = stage.log();
-    require(std::any_of(lines.begin(), lines.end(),
-                        [&](const std::string& line) {
-                            return line.find(arguments.words[0]) != std::string::npos;
-                        }),
-            "no log line holds " + inQuotes(arguments.words[0]));
+    require(
+        std::any_of(lines.begin(), lines.end(),
+                    [&](const std::string& line) {
+                        return line.find(arguments.words[0]) != std::string::npos;
+                    }),
+        "no log line holds " +
+            inQuotes(stage.showSecrets() ? arguments.words[0] : withoutSecret(arguments.words[0])));
 }
 
 void pending(Stage& stage, const Arguments& arguments) {

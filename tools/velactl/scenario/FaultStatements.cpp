@@ -46,6 +46,37 @@ std::uint32_t messageNamed(const std::string& name) {
     return found->id;
 }
 
+/** The messages for which a fault means something. */
+std::vector<std::string> messagesOf(velasim::Fault fault) {
+    std::vector<std::string> names;
+    for (const MessageName& message : kMessages) {
+        if (message.id == velasim::kAnyMessage || velasim::appliesTo(fault, message.id)) {
+            names.emplace_back(message.name);
+        }
+    }
+    return names;
+}
+
+bool isMessagingFailure(velasim::Fault fault) {
+    return fault == velasim::Fault::SendFailure ||
+           velasim::pointOf(fault) == velasim::FaultPoint::Connect;
+}
+
+std::uint32_t valueOf(velasim::Fault fault, const Arguments& arguments) {
+    constexpr std::int64_t kLowestError = RLINK_ERROR_CLIENT;
+    const std::int64_t value = arguments.value.value_or(0);
+    if (isMessagingFailure(fault) && arguments.value && (value < kLowestError || value > -1)) {
+        throw badUsage("--value: " + std::to_string(value) +
+                       " is no messaging error; use -1 (internal), -2 (service), -3 (time-out), -4 "
+                       "(decode) or -5 (client)");
+    }
+    if (value < 0 && !isMessagingFailure(fault)) {
+        throw badUsage("--value: " + std::to_string(value) + ": " + velasim::toString(fault) +
+                       " takes a number from 0");
+    }
+    return static_cast<std::uint32_t>(value);
+}
+
 velasim::FaultRule ruleOf(const Arguments& arguments) {
     velasim::FaultRule rule;
     const auto fault = velasim::faultNamed(arguments.words[0]);
@@ -59,13 +90,14 @@ velasim::FaultRule ruleOf(const Arguments& arguments) {
     rule.fault = *fault;
     rule.messageId = messageNamed(arguments.message.value_or("any"));
     if (rule.messageId != velasim::kAnyMessage && !velasim::appliesTo(rule.fault, rule.messageId)) {
-        throw badUsage(arguments.words[0] + " means nothing for the message " + *arguments.message);
+        throw badUsage(arguments.words[0] + " means nothing for the message " + *arguments.message +
+                       "; use " + alternatives(messagesOf(rule.fault)));
     }
     rule.first = arguments.first;
     rule.every = arguments.every;
     rule.count = arguments.count;
     rule.probability = arguments.probability;
-    rule.value = arguments.value;
+    rule.value = valueOf(*fault, arguments);
     return rule;
 }
 

@@ -7,6 +7,7 @@
 #include <charconv>
 #include <limits>
 
+#include "Limits.h"
 #include "LogMask.h"
 #include "ProfileRecord.h"
 #include "Table.h"
@@ -18,7 +19,6 @@ namespace velactl {
 
 namespace {
 
-constexpr int kMaxIndex = 255;
 constexpr std::size_t kMany = std::numeric_limits<std::size_t>::max();
 
 velasim::Technology technologyOf(const Arguments& arguments) {
@@ -36,7 +36,7 @@ void setSetting(velasim::Settings& settings, const std::string& word,
     const std::string name = word.substr(0, equals);
     const auto names = velasim::fieldNames(technology);
     if (equals == std::string::npos || std::find(names.begin(), names.end(), name) == names.end()) {
-        throw badUsage(inQuotes(word) + " is no setting=value; the settings are " +
+        throw badUsage(inQuotes(name) + " is no setting=value; the settings are " +
                        alternatives(names));
     }
     const std::string value = word.substr(equals + 1);
@@ -51,7 +51,8 @@ void setSetting(velasim::Settings& settings, const std::string& word,
                velasim::setNumber(settings, name, number);
     }
     if (!done) {
-        throw badUsage(inQuotes(value) + " does not fit into " + name);
+        throw badUsage((withoutSecret(word) == word ? inQuotes(value) : "the text") +
+                       " does not fit into " + name);
     }
 }
 
@@ -136,7 +137,7 @@ void deliver(Stage& stage, const Arguments& /*arguments*/) {
 }
 
 void say(Stage& stage, const Arguments& arguments) {
-    stage.story() << join(arguments.words, " ") << '\n';
+    stage.story() << printable(join(arguments.words, " ")) << '\n';
 }
 
 void printTable(Stage& stage, const char* heading, const ProfileRecords& records) {
@@ -212,7 +213,7 @@ std::vector<StatementKind> modemStatements() {
          deliver},
         {"release", "", "deliver all, and hold no longer", 0, 0, kNoOptions, nullptr,
          releaseDeliveries},
-        {"say", "TEXT", "tell the reader", 0, kMany, kNoOptions, nullptr, say},
+        {"say", "TEXT", "tell the reader", 0, kMany, kFreeText, nullptr, say},
         {"show", "", "the modem's table and the library's", 0, 0, kNoOptions, nullptr, show},
         {"keys", "", "the keys that are held", 0, 0, kNoOptions, nullptr, keys},
         {"dump", "", "the library's cache and the indications it expects", 0, 0, kNoOptions,

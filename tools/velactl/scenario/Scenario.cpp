@@ -4,7 +4,6 @@
 
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <utility>
 
 #include "Text.h"
@@ -15,12 +14,6 @@ namespace velactl {
 namespace {
 
 constexpr std::streamoff kMaxFile = 1 << 20;
-
-/** The statement as it was written, but for its password. */
-std::string withoutSecret(const std::string& text) {
-    static const std::regex password(R"re((--password[ \t=]+)("([^"\\]|\\.)*"|[^ \t]+))re");
-    return std::regex_replace(text, password, "$1***");
-}
 
 }  // namespace
 
@@ -54,9 +47,8 @@ Scenario Scenario::load(const std::string& path) {
 
 void Scenario::play(Stage& stage) const {
     for (const Step& step : steps) {
-        if (step.line.words.front() != "say") {
-            const std::string& text = step.line.text;
-            stage.out() << "> " << printable(stage.showSecrets() ? text : withoutSecret(text))
+        if (step.line.words.front().text != "say") {
+            stage.out() << "> " << printable(joinStatement(step.line.words, stage.showSecrets()))
                         << '\n';
         }
         try {

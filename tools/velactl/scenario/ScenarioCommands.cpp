@@ -8,6 +8,7 @@
 #include <iostream>
 #include <sstream>
 
+#include "NumberOption.h"
 #include "Text.h"
 #include "scenario/Completion.h"
 #include "scenario/LineEditor.h"
@@ -35,7 +36,8 @@ void printHelp(std::ostream& out) {
     }
     out << "  fields are --apn, --user, --password, --auth, --home-ip, --roam-ip, --types, "
            "--class,\n"
-           "  --clat, --emergency, --disabled, --max-conns, --max-conns-time, --wait-time\n"
+           "  --[no-]clat, --[no-]emergency, --[no-]disabled, --max-conns, --max-conns-time, "
+           "--wait-time\n"
            "  help, quit\n";
 }
 
@@ -45,10 +47,10 @@ bool play(Stage& stage, std::string_view line) {
     if (words.empty()) {
         return true;
     }
-    if (words.front() == "quit" || words.front() == "exit") {
+    if (words.front().text == "quit" || words.front().text == "exit") {
         return false;
     }
-    if (words.front() == "help") {
+    if (words.front().text == "help") {
         printHelp(stage.out());
         return true;
     }
@@ -61,7 +63,7 @@ bool play(Stage& stage, std::string_view line) {
 
 void RunCommand::addOptions(CLI::App& app) {
     app.add_option("file", file, "scenario file")->required();
-    app.add_option("--seed", seed, "seed of the fault plan (1)");
+    addNumber(app, "--seed", seed, "seed of the fault plan (1)");
     app.add_flag("--quiet", isQuiet, "tell only what the scenario itself says");
     app.add_flag("--journal", isJournalWanted, "print all that crossed to the modem at the end");
 }
@@ -74,7 +76,7 @@ Exit RunCommand::run(const Context& context) {
                 {story, isQuiet ? unseen : story}, context.logSink());
     scenario.play(stage);
     if (isJournalWanted) {
-        Statement({"journal"}).run(stage);
+        Statement({{"journal"}}).run(stage);
     }
     context.save(stage.workbench());
     context.output.line(file + ": " + counted(scenario.size(), "statement") + ", all as expected");
@@ -83,7 +85,7 @@ Exit RunCommand::run(const Context& context) {
 }
 
 void ShellCommand::addOptions(CLI::App& app) {
-    app.add_option("--seed", seed, "seed of the fault plan (1)");
+    addNumber(app, "--seed", seed, "seed of the fault plan (1)");
 }
 
 Exit ShellCommand::run(const Context& context) {

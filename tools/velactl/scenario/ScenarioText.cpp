@@ -28,14 +28,14 @@ class WordReader {
         return !rest.empty() && rest.front() != '#';
     }
 
-    std::string word() {
-        std::string result;
+    ScenarioWord word() {
+        ScenarioWord result{"", rest.front() == '"'};
         while (!rest.empty() && !isBlank(rest.front())) {
             const char byte = take();
             if (byte == '"') {
-                appendQuoted(result);
+                appendQuoted(result.text);
             } else {
-                result += byte;
+                result.text += byte;
             }
         }
         return result;
@@ -68,14 +68,54 @@ class WordReader {
     std::string_view rest;
 };
 
+/** As it could be written: what needs quotes has them, but for an option's or setting's name. */
+std::string written(const ScenarioWord& word) {
+    const std::string& text = word.text;
+    const bool isPlain =
+        !text.empty() && text.front() != '#' && text.find_first_of(" \t\"") == std::string::npos;
+    if (isPlain && !(word.isQuoted && text.front() == '-')) {
+        return text;
+    }
+    const std::size_t equals = word.isQuoted ? std::string::npos : text.find('=');
+    const std::size_t start = equals == std::string::npos ? 0 : equals + 1;
+    std::string result = text.substr(0, start) + '"';
+    for (const char byte : text.substr(start)) {
+        result += byte == '"' || byte == '\\' ? std::string("\\") + byte : std::string(1, byte);
+    }
+    return result + '"';
+}
+
 }  // namespace
 
-std::vector<std::string> splitStatement(std::string_view line) {
+bool ScenarioWord::isOption() const {
+    return !isQuoted && text.size() > 1 && text[0] == '-' && (text[1] < '0' || text[1] > '9');
+}
+
+std::string withoutSecret(const std::string& text) {
+    const std::size_t name = toLower(text).find("password");
+    const std::size_t equals = name == std::string::npos ? name : text.find('=', name);
+    return equals == std::string::npos ? text : text.substr(0, equals + 1) + "***";
+}
+
+std::string joinStatement(const std::vector<ScenarioWord>& words, bool showSecrets) {
+    std::vector<std::string> parts;
+    bool isSecret = false;
+    for (ScenarioWord word : words) {
+        if (!showSecrets) {
+            word.text = isSecret ? "***" : withoutSecret(word.text);
+        }
+        parts.push_back(written(word));
+        isSecret = word.isOption() && word.text == "--password";
+    }
+    return join(parts, " ");
+}
+
+std::vector<ScenarioWord> splitStatement(std::string_view line) {
     if (line.size() > kMaxLine) {
         throw badUsage("a line of " + std::to_string(line.size()) + " bytes; at most " +
                        std::to_string(kMaxLine) + " are read");
     }
-    std::vector<std::string> words;
+    std::vector<ScenarioWord> words;
     WordReader reader(line);
     while (reader.hasWord()) {
         words.push_back(reader.word());
@@ -91,7 +131,7 @@ std::vector<ScenarioLine> readScenarioText(std::string_view text, std::string_vi
         text.remove_prefix(std::min(text.size(), line.size() + 1));
         ++number;
         try {
-            ScenarioLine entry{number, std::string(trim(line)), splitStatement(line)};
+            ScenarioLine entry{number, splitStatement(line)};
             if (!entry.words.empty()) {
                 lines.push_back(std::move(entry));
             }

@@ -25,8 +25,10 @@ std::vector<std::string> nameWords(const StatementKind& kind) {
     return split(kind.name, ' ');
 }
 
-bool startsWith(const std::vector<std::string>& words, const std::vector<std::string>& prefix) {
-    return words.size() >= prefix.size() && std::equal(prefix.begin(), prefix.end(), words.begin());
+bool startsWith(const std::vector<ScenarioWord>& words, const std::vector<std::string>& prefix) {
+    return words.size() >= prefix.size() &&
+           std::equal(prefix.begin(), prefix.end(), words.begin(),
+                      [](const auto& name, const auto& word) { return name == word.text; });
 }
 
 std::size_t editDistance(std::string_view left, std::string_view right) {
@@ -46,15 +48,15 @@ std::size_t editDistance(std::string_view left, std::string_view right) {
 }
 
 /** The names of all kinds that begin with the first word, or a name that is much like it. */
-std::string suggestion(const std::vector<std::string>& words) {
+std::string suggestion(const std::string& given) {
     std::vector<std::string> family;
     std::string nearest;
     std::size_t shortest = std::numeric_limits<std::size_t>::max();
     for (const StatementKind& kind : statementKinds()) {
-        if (nameWords(kind).front() == words.front()) {
+        if (nameWords(kind).front() == given) {
             family.emplace_back(kind.name);
         }
-        const std::size_t distance = editDistance(kind.name, words.front().substr(0, 40));
+        const std::size_t distance = editDistance(kind.name, given.substr(0, 40));
         if (distance < shortest) {
             shortest = distance;
             nearest = kind.name;
@@ -67,13 +69,14 @@ std::string suggestion(const std::vector<std::string>& words) {
     return isAlike ? "did you mean " + inQuotes(nearest) + "?" : "help in velactl shell lists all";
 }
 
-const StatementKind& kindOf(const std::vector<std::string>& words) {
+const StatementKind& kindOf(const std::vector<ScenarioWord>& words) {
     const auto& kinds = statementKinds();
     const auto found = std::find_if(kinds.begin(), kinds.end(), [&words](const auto& kind) {
         return startsWith(words, nameWords(kind));
     });
     if (found == kinds.end()) {
-        throw badUsage("unknown statement " + inQuotes(words.front()) + "; " + suggestion(words));
+        throw badUsage("unknown statement " + inQuotes(withoutSecret(words.front().text)) + "; " +
+                       suggestion(words.front().text));
     }
     return *found;
 }
@@ -85,7 +88,7 @@ const std::vector<StatementKind>& statementKinds() {
     return kinds;
 }
 
-Statement::Statement(const std::vector<std::string>& words) : kind(&kindOf(words)) {
+Statement::Statement(const std::vector<ScenarioWord>& words) : kind(&kindOf(words)) {
     const auto nameLength = static_cast<std::ptrdiff_t>(nameWords(*kind).size());
     arguments.parse({words.begin() + nameLength, words.end()}, kind->optionGroups);
     if (arguments.words.size() < kind->fewestWords || arguments.words.size() > kind->mostWords) {

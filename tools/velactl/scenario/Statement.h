@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "scenario/Arguments.h"
+#include "scenario/ScenarioText.h"
 #include "scenario/Stage.h"
 
 namespace velactl {
@@ -32,7 +33,7 @@ const std::vector<StatementKind>& statementKinds();
 class Statement {
   public:
     /** Throws ToolError that says what is wrong and what would be right. */
-    explicit Statement(const std::vector<std::string>& words);
+    explicit Statement(const std::vector<ScenarioWord>& words);
 
     void run(Stage& stage) const { kind->run(stage, arguments); }
 
