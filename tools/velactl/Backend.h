@@ -30,6 +30,19 @@ struct ModemOptions {
 /** Gets the library's log lines as they come, on any thread; must not log or call the library. */
 using LogSink = std::function<void(std::string_view line)>;
 
+/** What became of one request of the library to the modem. */
+struct Answer {
+    enum class Message { Create, Modify, Delete, List, Read, Other };
+    enum class Outcome { Done, Refused, NoAnswer, NotSent };
+
+    Message message = Message::Other;
+    Outcome outcome = Outcome::Done;
+    /** Why; may be empty. */
+    std::string reason;
+};
+
+using Answers = std::vector<Answer>;
+
 /**
  * What stands below the library: the modem. One implementation is linked in, the simulator's or a
  * device's.
@@ -53,8 +66,9 @@ class Backend {
     /** The library's log lines since the last call, oldest first. */
     virtual std::vector<std::string> takeLog() = 0;
 
-    /** Why the modem refused its last refused request; empty when that is not known. */
-    virtual std::string lastRefusal() = 0;
+    /** What became of the requests that crossed over since the last call, oldest first; empty when
+     * the platform has no such view. */
+    virtual std::optional<Answers> takeAnswers() = 0;
 
     /** Keeps the modem's persistent memory where the options say; throws ToolError. Returns a line
      * worth telling, or nothing. */

@@ -15,7 +15,7 @@ class DeviceModem : public Backend {
     void settle(vela::Manager& manager) override;
     std::optional<ProfileRecords> modemProfiles() override { return std::nullopt; }
     std::vector<std::string> takeLog() override;
-    std::string lastRefusal() override { return {}; }
+    std::optional<Answers> takeAnswers() override { return std::nullopt; }
     std::string save() override { return {}; }
 
   private:

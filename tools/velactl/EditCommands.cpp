@@ -15,8 +15,8 @@ void report(const Context& context, Workbench& bench, const ProfileRecords& befo
         changesBetween(before, bench.modemProfiles(), context.output.showSecrets());
     const Traffic traffic = bench.takeTraffic();
     context.save(bench);
-    if (!traffic.refusals.empty()) {
-        throw refused(join(traffic.refusals, "; "));
+    if (!traffic.failures.empty()) {
+        throw refused(join(traffic.failures, "; "));
     }
     context.output.line("Changed:");
     context.output.changes(changes);

@@ -122,7 +122,7 @@ Exit PolicyCommand::report(const Context& context, Workbench& bench, const Reque
     if (decision.yieldsProfile) {
         document["result"] = decision.key ? resultText(before, now, *decision.key) : "no profile";
     } else {
-        document["result"] = resultText(decision.isDone, traffic.refusals);
+        document["result"] = resultText(decision.isDone, traffic.failures);
     }
     output.line("Result: " + document["result"].get_ref<const std::string&>());
     output.line("Changed in the modem:");
@@ -138,10 +138,10 @@ Exit PolicyCommand::report(const Context& context, Workbench& bench, const Reque
     document["released"] = output.toJson(released);
     const bool areEqual = context.tellAgreement(bench);
     context.save(bench);
-    for (const std::string& refusal : traffic.refusals) {
+    for (const std::string& refusal : traffic.failures) {
         output.note(refusal);
     }
-    return decision.isDone && areEqual && traffic.refusals.empty() ? Exit::Done : Exit::Refused;
+    return decision.isDone && areEqual && traffic.failures.empty() ? Exit::Done : Exit::Refused;
 }
 
 PolicyCommand::Entries AttachCommand::pick(const Operator& candidate) const {

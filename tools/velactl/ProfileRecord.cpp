@@ -124,6 +124,14 @@ std::string fieldText(const ProfileField& field, const Params& params, bool show
     return field.isSecret && !showSecrets && !isBlank(value) ? kMask : text(value);
 }
 
+bool isSame(const ProfileField& field, const Params& left, const Params& right) {
+    if (field.value == plain<&Params::hasApnName, &Params::getApnName>) {
+        return left.hasApnName() == right.hasApnName() &&
+               sameLetters(left.getApnName(), right.getApnName());
+    }
+    return field.value(left) == field.value(right);
+}
+
 std::string describe(const Params& params, bool showSecrets) {
     std::vector<std::string> parts;
     for (const ProfileField& field : profileFields()) {

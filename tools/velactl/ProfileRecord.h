@@ -46,6 +46,11 @@ const std::vector<ProfileField>& profileFields();
 std::string fieldText(const ProfileField& field, const vela::ProfileParams& params,
                       bool showSecrets);
 
+/** Whether both have the field's value; APN names without regard to case, as the library compares
+ * them. */
+bool isSame(const ProfileField& field, const vela::ProfileParams& left,
+            const vela::ProfileParams& right);
+
 /** The present fields, as "apn=internet, auth=PAP". */
 std::string describe(const vela::ProfileParams& params, bool showSecrets);
 

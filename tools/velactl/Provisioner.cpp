@@ -307,7 +307,7 @@ int Provisioner::holderOf(const OperatorEntry& entry) {
 std::string Provisioner::collectTraffic() {
     Traffic traffic = bench.takeTraffic();
     result.writes += traffic.writes;
-    std::move(traffic.refusals.begin(), traffic.refusals.end(),
+    std::move(traffic.failures.begin(), traffic.failures.end(),
               std::back_inserter(result.refusals));
     return result.refusals.empty() ? "the library did not say why" : result.refusals.back();
 }

@@ -83,7 +83,7 @@ void view3gpp(const Settings& settings, vela::FilterProfileParams& params) {
     const std::string name = velasim::textOf(settings, "profile_name").value_or("");
     params.setFilterByIsIAProfile(name == "vela_profile_ia");
     params.setFilterByIsVelaProfile(name == "vela_profile" || name == "vela_profile_ia");
-    text("apn_name", [&](const auto& value) { params.setApnName(toLower(value)); });
+    text("apn_name", [&](const auto& value) { params.setApnName(value); });
     text("user_name", [&](const auto& value) { params.setUserName(value); });
     text("password", [&](const auto& value) { params.setPassword(value); });
     viewIPTypes(settings, params);
@@ -104,7 +104,7 @@ void view3gpp(const Settings& settings, vela::FilterProfileParams& params) {
 
 void view3gpp2(const Settings& settings, vela::ProfileParams& params) {
     take(settings, "apn_string_3gpp2", velasim::textOf,
-         [&](const auto& value) { params.setApnName(toLower(value)); });
+         [&](const auto& value) { params.setApnName(value); });
     take(settings, "user_id", velasim::textOf,
          [&](const auto& value) { params.setUserName(value); });
     take(settings, "authentication_password", velasim::textOf,

@@ -2,7 +2,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "SimulatedModem.h"
 
+#include <rlink_client.h>
 #include <velasim/DiagLog.h>
+#include <wds_service_v01.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <utility>
@@ -31,6 +34,47 @@ velasim::SimulatorOptions simulatorOptions(const ModemOptions& options, std::siz
 std::string_view withoutTag(std::string_view line) {
     constexpr std::string_view kTag = "|VELA| ";
     return line.substr(0, kTag.size()) == kTag ? line.substr(kTag.size()) : line;
+}
+
+Answer::Message messageOf(std::uint32_t id) {
+    switch (id) {
+        case RLINK_WDS_CREATE_PROFILE_REQ_V01:
+            return Answer::Message::Create;
+        case RLINK_WDS_MODIFY_PROFILE_SETTINGS_REQ_V01:
+            return Answer::Message::Modify;
+        case RLINK_WDS_DELETE_PROFILE_REQ_V01:
+            return Answer::Message::Delete;
+        case RLINK_WDS_GET_PROFILE_LIST_REQ_V01:
+            return Answer::Message::List;
+        case RLINK_WDS_GET_PROFILE_SETTINGS_REQ_V01:
+            return Answer::Message::Read;
+        default:
+            return Answer::Message::Other;
+    }
+}
+
+/** What the modem's error says; one without a name as "error 72". */
+std::string reasonOf(velasim::ModemError error) {
+    const std::string name = velasim::toString(error);
+    const bool isNumber = name.find_first_not_of("0123456789") == std::string::npos;
+    return isNumber ? "error " + name : name;
+}
+
+Answer answerIn(const velasim::JournalEntry& response, bool isUnsent) {
+    using Outcome = Answer::Outcome;
+    const Answer::Message message = messageOf(response.messageId);
+    if (response.result == RLINK_NO_ERROR) {
+        return response.error == velasim::ModemError::None
+                   ? Answer{message, Outcome::Done, ""}
+                   : Answer{message, Outcome::Refused, reasonOf(response.error)};
+    }
+    if (!isUnsent && response.result == RLINK_ERROR_TIMEOUT) {
+        return {message, Outcome::NoAnswer, ""};
+    }
+    if (!isUnsent && response.result == RLINK_ERROR_SERVICE) {
+        return {message, Outcome::NoAnswer, "its service is not there"};
+    }
+    return {message, Outcome::NotSent, "messaging error " + std::to_string(response.result)};
 }
 
 }  // namespace
@@ -113,19 +157,28 @@ std::vector<std::string> SimulatedModem::takeLog() {
     return std::exchange(lines, {});
 }
 
-std::string SimulatedModem::lastRefusal() {
-    std::string reason;
-    for (const velasim::JournalEntry& entry : sim->journal().snapshot()) {
-        if (entry.kind != velasim::JournalKind::Response) {
-            continue;
+std::optional<Answers> SimulatedModem::takeAnswers() {
+    Answers answers;
+    bool isUnsent = false;
+    const auto take = [&](const velasim::JournalEntry& entry) {
+        lastEntry = entry.sequence;
+        if (entry.kind == velasim::JournalKind::Request) {
+            isUnsent = false;
+        } else if (entry.kind == velasim::JournalKind::FaultInjected) {
+            isUnsent = isUnsent || entry.fault == velasim::Fault::SendFailure;
+        } else if (entry.kind == velasim::JournalKind::Response) {
+            answers.push_back(answerIn(entry, isUnsent));
         }
-        if (entry.error != velasim::ModemError::None) {
-            reason = velasim::toString(entry.error);
-        } else if (entry.result != 0) {
-            reason = "no answer";
-        }
-    }
-    return reason;
+    };
+    // The predicate sees the entries in place: the journal may be long.
+    sim->journal().waitFor([&](const velasim::Journal::Entries& entries) {
+        const auto first =
+            std::partition_point(entries.begin(), entries.end(),
+                                 [this](const auto& entry) { return entry.sequence <= lastEntry; });
+        std::for_each(first, entries.end(), take);
+        return true;
+    });
+    return answers;
 }
 
 bool SimulatedModem::changeBehindLibrary(int index, std::string_view setting,

@@ -23,7 +23,7 @@ class SimulatedModem : public Backend {
     void settle(vela::Manager& manager) override;
     std::optional<ProfileRecords> modemProfiles() override;
     std::vector<std::string> takeLog() override;
-    std::string lastRefusal() override;
+    std::optional<Answers> takeAnswers() override;
     std::string save() override;
 
     /** Another user of the modem writes one text setting of a 3GPP profile. False: no such profile.
@@ -49,6 +49,7 @@ class SimulatedModem : public Backend {
     bool isNew = false;
     bool isResized = false;
     bool isHeld = false;
+    std::uint64_t lastEntry = 0;  // of the journal, whose answer has been taken
     std::string savedMemory;
 
     std::mutex linesMutex;

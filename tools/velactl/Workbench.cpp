@@ -15,21 +15,51 @@ namespace velactl {
 
 namespace {
 
-struct WriteMessage {
+struct MessageName {
+    Answer::Message message;
     std::string_view name;
     const char* words;
 };
 
-constexpr std::array<WriteMessage, 3> kWrites{
-    {{"RLINK_WDS_CREATE_PROFILE_REQ", "create a profile"},
-     {"RLINK_WDS_MODIFY_PROFILE_SETTINGS_REQ", "change a profile"},
-     {"RLINK_WDS_DELETE_PROFILE_REQ", "delete a profile"}}};
+constexpr std::array<MessageName, 5> kMessages{
+    {{Answer::Message::Create, "RLINK_WDS_CREATE_PROFILE_REQ", "create a profile"},
+     {Answer::Message::Modify, "RLINK_WDS_MODIFY_PROFILE_SETTINGS_REQ", "change a profile"},
+     {Answer::Message::Delete, "RLINK_WDS_DELETE_PROFILE_REQ", "delete a profile"},
+     {Answer::Message::List, "RLINK_WDS_GET_PROFILE_LIST_REQ", "list the profiles"},
+     {Answer::Message::Read, "RLINK_WDS_GET_PROFILE_SETTINGS_REQ", "read a profile"}}};
 
-const WriteMessage* writeIn(std::string_view line) {
-    const auto* found = std::find_if(kWrites.begin(), kWrites.end(), [line](const auto& message) {
-        return line.find(message.name) != std::string_view::npos;
-    });
-    return found == kWrites.end() ? nullptr : found;
+const MessageName* messageIn(std::string_view line) {
+    const auto* found = std::find_if(
+        kMessages.begin(), kMessages.end(),
+        [line](const auto& message) { return line.find(message.name) != std::string_view::npos; });
+    return found == kMessages.end() ? nullptr : found;
+}
+
+/** Takes the answer that belongs to a request which the library has logged, and what lies before
+ * it; one that the library could not even hand over has none. */
+std::optional<Answer> takeAnswer(Answers& answers, Answer::Message message, bool hasFailed) {
+    const auto belongs = [&](const Answer& answer) {
+        return answer.message == message && (hasFailed || answer.outcome == Answer::Outcome::Done);
+    };
+    const auto found = std::find_if(answers.begin(), answers.end(), belongs);
+    if (found == answers.end() || (hasFailed && found->outcome == Answer::Outcome::Done)) {
+        return std::nullopt;
+    }
+    const Answer answer = *found;
+    answers.erase(answers.begin(), std::next(found));
+    return answer;
+}
+
+std::string failureText(const Answer& answer, const std::string& what) {
+    const std::string why = answer.reason.empty() ? "" : ": " + answer.reason;
+    switch (answer.outcome) {
+        case Answer::Outcome::Refused:
+            return "the modem refused to " + what + why;
+        case Answer::Outcome::NoAnswer:
+            return "the modem did not answer the request to " + what + why;
+        default:
+            return "the request to " + what + " was not sent" + why;
+    }
 }
 
 /** The modem keeps what the library never reads back. */
@@ -40,8 +70,7 @@ bool isUnreadable(const ProfileRecord& record, const ProfileField& field) {
 std::vector<std::string> differingFields(const ProfileRecord& library, const ProfileRecord& modem) {
     std::vector<std::string> names;
     for (const ProfileField& field : profileFields()) {
-        if (!isUnreadable(modem, field) &&
-            field.value(library.params) != field.value(modem.params)) {
+        if (!isUnreadable(modem, field) && !isSame(field, library.params, modem.params)) {
             names.emplace_back(field.key);
         }
     }
@@ -66,7 +95,7 @@ Workbench::Workbench(const ModemOptions& options, LogSink sink)
     : library(vela::Manager::getInstance()), backend(makeBackend(options, std::move(sink))) {
     backend->connect(library);
     reload();
-    backend->takeLog();
+    takeTraffic();
 }
 
 void Workbench::reload() {
@@ -137,16 +166,26 @@ std::shared_ptr<vela::IProfileKey> Workbench::find(vela::TechType tech, int inde
 Traffic Workbench::takeTraffic() {
     Traffic traffic;
     traffic.log = backend->takeLog();
+    std::optional<Answers> answers = backend->takeAnswers();
     for (const std::string& line : traffic.log) {
-        const WriteMessage* message = writeIn(line);
+        const MessageName* message = messageIn(line);
         if (message == nullptr) {
             continue;
         }
-        ++traffic.writes;
-        if (line.find("Unable send") != std::string::npos) {
-            const std::string reason = backend->lastRefusal();
-            traffic.refusals.push_back("the modem refused to " + std::string(message->words) +
-                                       (reason.empty() ? "" : ": " + reason));
+        const bool isRead =
+            message->message == Answer::Message::List || message->message == Answer::Message::Read;
+        const bool hasFailed = line.find("Unable send") != std::string::npos;
+        traffic.writes += isRead ? 0U : 1U;
+        std::optional<Answer> answer;
+        if (answers) {
+            answer = takeAnswer(*answers, message->message, hasFailed)
+                         .value_or(Answer{message->message, Answer::Outcome::NotSent,
+                                          "the library is not connected to the modem"});
+        }
+        if (hasFailed) {
+            (isRead ? traffic.failedReads : traffic.failures)
+                .push_back(answer ? failureText(*answer, message->words)
+                                  : "the request to " + std::string(message->words) + " failed");
         }
     }
     return traffic;

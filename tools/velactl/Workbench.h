@@ -15,8 +15,10 @@ namespace velactl {
 /** What the library asked the modem to change. */
 struct Traffic {
     std::size_t writes = 0;
-    /** The requests that the modem refused, in words. */
-    std::vector<std::string> refusals;
+    /** The changes that failed: refused, not answered or not sent, in words. */
+    std::vector<std::string> failures;
+    /** The same for reading the modem's tables. */
+    std::vector<std::string> failedReads;
     /** The library's log lines meanwhile. */
     std::vector<std::string> log;
 };

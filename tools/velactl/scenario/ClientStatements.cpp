@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // What the radio software does: operations of the library's clients, on keys held under names.
 
+#include <algorithm>
+
 #include "ProfileRecord.h"
 #include "ToolError.h"
 #include "scenario/Statement.h"
@@ -14,15 +16,11 @@ std::string keyWords(const std::string& name, const std::shared_ptr<vela::IProfi
     return name + " is " + key->dump();
 }
 
-/** Holds the result of a policy or of an add, which may be empty. */
+/** Holds the result of a policy or of an add, which may be empty. The release of the key that had
+ * the name is no part of the operation. */
 void holdResult(Stage& stage, const std::string& name, std::shared_ptr<vela::IProfileKey> key) {
-    if (!key) {
-        stage.conclude(false, "no profile");
-        return;
-    }
-    const std::string words = keyWords(name, key);
+    stage.conclude(key != nullptr, key ? keyWords(name, key) : "no profile");
     stage.hold(name, std::move(key));
-    stage.conclude(true, words);
 }
 
 void add(Stage& stage, const Arguments& arguments) {
@@ -47,10 +45,22 @@ void checkFields(const Arguments& arguments) {
     }
 }
 
+bool saysUnchanged(const std::vector<std::string>& log) {
+    return std::any_of(log.begin(), log.end(), [](const std::string& line) {
+        return line.find("profile is unchanged") != std::string::npos;
+    });
+}
+
 void modify(Stage& stage, const Arguments& arguments) {
     const bool done = stage.manager().modifyProfile(
         vela::ModifyProfileParams(arguments.fields.params()), stage.held(arguments.words[0]).key);
-    stage.conclude(done, done ? "the library reports success" : "the library reports failure");
+    const Traffic traffic = stage.takeTraffic();
+    const bool isVain = done && traffic.writes == 0 && !saysUnchanged(traffic.log);
+    stage.conclude(traffic, done && !isVain,
+                   !done    ? "the library reports failure"
+                   : isVain ? "the library reports success, but does not know the profile's "
+                              "settings and sent nothing"
+                            : "the library reports success");
 }
 
 void remove(Stage& stage, const Arguments& arguments) {
@@ -122,7 +132,11 @@ void refresh(Stage& stage, const Arguments& arguments) {
     const bool started = arguments.words[0] == "started";
     stage.manager().refresh(started ? vela::PDCRefreshStatus::RefreshStarted
                                     : vela::PDCRefreshStatus::RefreshCompleted);
-    stage.conclude(true, "refresh " + arguments.words[0]);
+    stage.setRefreshing(started);
+    const Traffic traffic = stage.takeTraffic();
+    const std::string failure = traffic.failedReads.empty() ? "" : traffic.failedReads.front();
+    stage.conclude(traffic, failure.empty(),
+                   "refresh " + arguments.words[0] + (failure.empty() ? "" : ", but " + failure));
 }
 
 }  // namespace

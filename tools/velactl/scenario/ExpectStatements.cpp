@@ -22,12 +22,17 @@ void require(bool holds, const std::string& found) {
     }
 }
 
+/** What the library does not say is neither there nor not there. */
+void requireAnswers(const Stage& stage) {
+    require(!stage.isRefreshing(), "the library answers nothing until refresh completed");
+}
+
 /** The fields asked for that differ, as "apn is ims". */
 std::string differences(const vela::ProfileParams& wanted, const vela::ProfileParams& actual) {
     std::vector<std::string> texts;
     for (const ProfileField& field : profileFields()) {
         const Json value = field.value(wanted);
-        if (!value.is_null() && value != field.value(actual)) {
+        if (!value.is_null() && !isSame(field, wanted, actual)) {
             const std::string text = fieldText(field, actual, false);
             texts.push_back(std::string(field.key) + " is " + (text.empty() ? "absent" : text));
         }
@@ -83,10 +88,12 @@ void noModem(Stage& stage, const Arguments& arguments) {
 }
 
 void library(Stage& stage, const Arguments& arguments) {
+    requireAnswers(stage);
     requireRecord(stage.workbench().libraryProfiles(), arguments);
 }
 
 void noLibrary(Stage& stage, const Arguments& arguments) {
+    requireAnswers(stage);
     requireNoRecord(stage.workbench().libraryProfiles(), arguments);
 }
 
@@ -100,12 +107,14 @@ void profiles(Stage& stage, const Arguments& arguments) {
 }
 
 void key(Stage& stage, const Arguments& arguments) {
+    requireAnswers(stage);
     const auto profile = stage.manager().getProfile(stage.held(arguments.words[0]).key);
     require(profile.has_value(), "the key names no profile");
     requireFields(arguments.fields.params(), *profile);
 }
 
 void stale(Stage& stage, const Arguments& arguments) {
+    requireAnswers(stage);
     const auto profile = stage.manager().getProfile(stage.held(arguments.words[0]).key);
     require(!profile, "the key names a profile: " + (profile ? describe(*profile, false) : ""));
 }
@@ -118,20 +127,27 @@ void expired(Stage& stage, const Arguments& arguments) {
             "its listener was called " + counted(static_cast<std::size_t>(calls), "time"));
 }
 
+bool lastWasRefused(const Stage& stage) {
+    require(stage.wasRefused().has_value(), "there has been no operation yet");
+    return *stage.wasRefused();
+}
+
 void ok(Stage& stage, const Arguments& /*arguments*/) {
-    require(!stage.wasRefused(), "the last operation was refused");
+    require(!lastWasRefused(stage), "the last operation was refused");
 }
 
 void wasRefused(Stage& stage, const Arguments& /*arguments*/) {
-    require(stage.wasRefused(), "the last operation was not refused");
+    require(lastWasRefused(stage), "the last operation was not refused");
 }
 
 void agree(Stage& stage, const Arguments& /*arguments*/) {
+    requireAnswers(stage);
     const auto lines = stage.workbench().disagreements();
     require(lines.empty(), join(lines, "; "));
 }
 
 void disagree(Stage& stage, const Arguments& /*arguments*/) {
+    requireAnswers(stage);
     require(!stage.workbench().disagreements().empty(), "library and modem agree");
 }
 

@@ -154,20 +154,24 @@ void printTable(Stage& stage, const char* heading, const ProfileRecords& records
         }
         table.add(std::move(cells));
     }
-    stage.out() << "  " << heading << (table.isEmpty() ? ": no profiles" : ":") << '\n';
+    stage.story() << "  " << heading << (table.isEmpty() ? ": no profiles" : ":") << '\n';
     if (!table.isEmpty()) {
-        table.print(stage.out(), 4);
+        table.print(stage.story(), 4);
     }
 }
 
 void show(Stage& stage, const Arguments& /*arguments*/) {
     printTable(stage, "the modem", stage.workbench().modemProfiles());
-    printTable(stage, "the library", stage.workbench().libraryProfiles());
+    if (stage.isRefreshing()) {
+        stage.story() << "  the library: answers nothing until refresh completed\n";
+    } else {
+        printTable(stage, "the library", stage.workbench().libraryProfiles());
+    }
 }
 
 void keys(Stage& stage, const Arguments& /*arguments*/) {
     for (const std::string& name : stage.keyNames()) {
-        stage.out() << "  " << name << " is " << stage.held(name).key->dump() << '\n';
+        stage.story() << "  " << name << " is " << stage.held(name).key->dump() << '\n';
     }
 }
 
@@ -176,14 +180,14 @@ void dump(Stage& stage, const Arguments& /*arguments*/) {
         if (line == "Logs:") {
             return;
         }
-        stage.out() << "  " << printable(stage.showSecrets() ? line : withoutPassword(line))
-                    << '\n';
+        stage.story() << "  " << printable(stage.showSecrets() ? line : withoutPassword(line))
+                      << '\n';
     }
 }
 
 void journal(Stage& stage, const Arguments& /*arguments*/) {
     for (const velasim::JournalEntry& entry : stage.simulator().journal().snapshot()) {
-        stage.out() << "  " << printable(entry.line()) << '\n';
+        stage.story() << "  " << printable(entry.line()) << '\n';
     }
 }
 

@@ -30,7 +30,10 @@ Stage::~Stage() {
 }
 
 void Stage::hold(const std::string& name, std::shared_ptr<vela::IProfileKey> key) {
-    keys.insert_or_assign(name, HeldKey{std::move(key), nullptr, 0});
+    keys.erase(name);
+    if (key) {
+        keys.emplace(name, HeldKey{std::move(key), nullptr, 0});
+    }
 }
 
 HeldKey& Stage::held(const std::string& name) {
@@ -62,18 +65,21 @@ Traffic Stage::takeTraffic() {
     return traffic;
 }
 
-void Stage::conclude(bool succeeded, const std::string& words) {
-    const Traffic traffic = takeTraffic();
-    refused = !succeeded || !traffic.refusals.empty();
-    for (const std::string& refusal : traffic.refusals) {
-        out() << "  " << refusal << '\n';
-    }
+void Stage::conclude(const Traffic& traffic, bool succeeded, const std::string& words) {
+    refused = !succeeded || !traffic.failures.empty();
+    tell(traffic.failures);
     out() << "  " << words << '\n';
+}
+
+void Stage::tell(const std::vector<std::string>& failures) {
+    for (const std::string& failure : failures) {
+        out() << "  " << failure << '\n';
+    }
 }
 
 void Stage::settle() {
     bench.settle();
-    takeTraffic();
+    tell(takeTraffic().failures);
     for (auto& [name, key] : keys) {
         const int calls = key.expirations ? key.expirations->calls() : 0;
         for (; key.toldExpirations < calls; ++key.toldExpirations) {

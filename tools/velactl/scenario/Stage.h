@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -65,7 +66,8 @@ class Stage {
     std::ostream& story() { return telling.story; }
     bool showSecrets() const { return showsSecrets; }
 
-    /** Holds a key under a name, in place of the one that had it. */
+    /** Holds a key under a name, in place of the one that had it; an empty one leaves the name
+     * without. */
     void hold(const std::string& name, std::shared_ptr<vela::IProfileKey> key);
 
     /** Throws ToolError that lists the names there are. */
@@ -73,9 +75,20 @@ class Stage {
     void drop(const std::string& name);
     std::vector<std::string> keyNames() const;
 
-    /** Notes how a client operation ended, tells it and the modem's refusals. */
-    void conclude(bool succeeded, const std::string& words);
-    bool wasRefused() const { return refused; }
+    /** What has crossed over since the last call or settle(): what the operation at hand did. */
+    Traffic takeTraffic();
+
+    /** Notes how a client operation with this traffic ended, tells it and what failed. */
+    void conclude(const Traffic& traffic, bool succeeded, const std::string& words);
+    void conclude(bool succeeded, const std::string& words) {
+        conclude(takeTraffic(), succeeded, words);
+    }
+    /** Empty before the first operation. */
+    std::optional<bool> wasRefused() const { return refused; }
+
+    /** From the start of a refresh to its completion the library answers nothing. */
+    void setRefreshing(bool refreshing) { isInRefresh = refreshing; }
+    bool isRefreshing() const { return isInRefresh; }
 
     /** Lets everything that was announced arrive and tells whose listeners were called. */
     void settle();
@@ -84,7 +97,7 @@ class Stage {
     const std::vector<std::string>& log() const { return logLines; }
 
   private:
-    Traffic takeTraffic();
+    void tell(const std::vector<std::string>& failures);
 
     const Telling telling;
     const bool showsSecrets;
@@ -93,7 +106,8 @@ class Stage {
     vela::Util util;
     std::map<std::string, HeldKey> keys;
     std::vector<std::string> logLines;
-    bool refused = false;
+    std::optional<bool> refused;
+    bool isInRefresh = false;
 };
 
 }  // namespace velactl
