@@ -201,7 +201,11 @@ TEST(Completion, OffersTheNextWordThatMakesSense) {
     const std::vector<std::string> keys{"call", "kept"};
     EXPECT_THAT(completionsOf("re", keys), ElementsAre("refresh", "release", "restart"));
     EXPECT_THAT(completionsOf("expect ke", keys), ElementsAre("key"));
-    EXPECT_THAT(completionsOf("expect key ", keys), AllOf(Contains("kept"), Contains("--apn")));
+    EXPECT_THAT(completionsOf("expect key ", keys), ElementsAre("call", "kept"));
+    EXPECT_THAT(completionsOf("expect key kept ", keys), Contains("--apn"));
+    EXPECT_THAT(completionsOf("fault time", keys),
+                ElementsAre("time-out", "time-out-after-effect"));
+    EXPECT_THAT(completionsOf("refresh ", keys), ElementsAre("completed", "started"));
     EXPECT_THAT(completionsOf("foreign modify 1 --", keys), ElementsAre("--tech"));
     EXPECT_THAT(completionsOf("drop k", keys), ElementsAre("kept"));
     EXPECT_THAT(completionsOf("bogus ", keys), IsEmpty());

@@ -30,26 +30,45 @@ ProfileRecord first3gppProfile(Workbench& bench) {
 class DemoCommand::Stage {
   public:
     Stage(Workbench& bench, const Context& context)
-        : bench(bench), context(context), last(bench.modemProfiles()) {}
+        : bench(bench), context(context), last(bench.modemProfiles()) {
+        bench.takeTraffic();
+    }
 
-    void tell(std::string_view what) {
+    /** A step that should have changed the modem in this way. */
+    void tell(std::string_view what, ProfileChange::Kind expected) {
         Output& output = context.output;
         const ProfileRecords now = bench.modemProfiles();
         const auto changes = changesBetween(last, now, output.showSecrets());
         output.line(what);
         output.changes(changes);
+        const bool hasHappened = happened(changes, expected);
         areEqual = context.tellAgreement(bench) && areEqual;
-        output.document()["steps"].push_back({{"what", what}, {"changes", output.toJson(changes)}});
+        output.document()["steps"].push_back(
+            {{"what", what}, {"changes", output.toJson(changes)}, {"happened", hasHappened}});
         last = now;
     }
 
-    bool isTrue() const { return areEqual; }
+    bool areAlwaysEqual() const { return areEqual; }
+    bool isDone() const { return haveAllHappened; }
 
   private:
+    bool happened(const std::vector<ProfileChange>& changes, ProfileChange::Kind expected) {
+        const auto failures = bench.takeTraffic().failures;
+        if (std::any_of(changes.begin(), changes.end(),
+                        [=](const auto& change) { return change.kind == expected; })) {
+            return true;
+        }
+        haveAllHappened = false;
+        context.output.line("THIS DID NOT HAPPEN" +
+                            (failures.empty() ? "." : ": " + join(failures, "; ")));
+        return false;
+    }
+
     Workbench& bench;
     const Context& context;
     ProfileRecords last;
     bool areEqual = true;
+    bool haveAllHappened = true;
 };
 
 Exit DemoCommand::run(const Context& context) {
@@ -58,6 +77,7 @@ Exit DemoCommand::run(const Context& context) {
     if (modem == nullptr) {
         throw refused("demo needs the simulated modem: nobody restarts a real one for show");
     }
+    using Kind = ProfileChange::Kind;
     const ProfileRecord profile = first3gppProfile(bench);
     Stage stage(bench, context);
     const std::string name = title(profile);
@@ -65,23 +85,28 @@ Exit DemoCommand::run(const Context& context) {
     vela::ModifyProfileParams change;
     change.setPdnReqWaitInterval(profile.params.getPdnReqWaitInterval() == 30 ? 60 : 30);
     bench.manager().modifyProfile(change, bench.find(profile.tech, profile.index));
-    stage.tell("The library changes the waiting time of " + name + '.');
+    stage.tell("The library changes the waiting time of " + name + '.', Kind::Changed);
 
     modem->changeBehindLibrary(profile.index, "user_name",
                                profile.params.getUserName() == "somebody" ? "else" : "somebody");
-    stage.tell("Somebody else changes the user of " + name + ", behind the library's back.");
+    stage.tell("Somebody else changes the user of " + name + ", behind the library's back.",
+               Kind::Changed);
 
     vela::AddProfileParams temporary(false, TechType::TECH_3GPP, false);
     temporary.setApnName("temporary.example");
     const auto key = bench.manager().addProfile(temporary);
-    stage.tell("The library creates a temporary profile.");
+    stage.tell("The library creates a temporary profile.", Kind::Created);
 
     modem->restart(bench.manager());
-    stage.tell("The modem restarts, and forgets what was temporary; the library reads it anew.");
+    stage.tell("The modem restarts, and forgets what was temporary; the library reads it anew.",
+               Kind::Deleted);
 
     context.save(bench);
-    context.output.document()["agree"] = stage.isTrue();
-    return stage.isTrue() ? Exit::Done : Exit::Refused;
+    context.output.document()["agree"] = stage.areAlwaysEqual();
+    if (!stage.isDone()) {
+        context.output.note("a step of the demonstration did not happen");
+    }
+    return stage.areAlwaysEqual() && stage.isDone() ? Exit::Done : Exit::Refused;
 }
 
 }  // namespace velactl

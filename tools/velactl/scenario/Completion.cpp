@@ -27,6 +27,24 @@ std::vector<std::string> finishedWords(const std::string& line) {
     return words;
 }
 
+/** What may stand first behind a statement's name; its usage tells. */
+std::vector<std::string> firstWords(const StatementKind& kind,
+                                    const std::vector<std::string>& keyNames) {
+    const std::string first = split(kind.usage, ' ').empty() ? "" : split(kind.usage, ' ').front();
+    if (first == "KEY") {
+        return keyNames;
+    }
+    if (first != "NAME") {
+        return first.find('|') == std::string::npos ? std::vector<std::string>()
+                                                    : split(first, '|');
+    }
+    std::vector<std::string> names;
+    for (const velasim::Fault fault : velasim::allFaults()) {
+        names.push_back(velasim::toString(fault));
+    }
+    return names;
+}
+
 }  // namespace
 
 std::vector<std::string> completionsOf(const std::string& line,
@@ -42,9 +60,13 @@ std::vector<std::string> completionsOf(const std::string& line,
     for (const StatementKind& kind : statementKinds()) {
         const std::vector<std::string> name = split(kind.name, ' ');
         if (startsWith(finished, name)) {
-            std::for_each(keyNames.begin(), keyNames.end(), offer);
-            const auto options = Arguments::optionNames(kind.optionGroups);
-            std::for_each(options.begin(), options.end(), offer);
+            const std::size_t given = finished.size() - name.size();
+            const auto words = given == 0 ? firstWords(kind, keyNames) : std::vector<std::string>();
+            std::for_each(words.begin(), words.end(), offer);
+            if (given >= kind.fewestWords || begun.rfind('-', 0) == 0) {
+                const auto options = Arguments::optionNames(kind.optionGroups);
+                std::for_each(options.begin(), options.end(), offer);
+            }
         } else if (startsWith(name, finished)) {
             offer(name.at(finished.size()));
         }

@@ -4,6 +4,7 @@
 
 #include <histedit.h>
 
+#include <clocale>
 #include <cstdio>
 #include <iostream>
 #include <utility>
@@ -16,7 +17,7 @@ class LineEditor::Terminal {
     Terminal(std::string promptText, Completions completionsOf)
         : prompt(std::move(promptText)),
           completions(std::move(completionsOf)),
-          editLine(::el_init("velactl", stdin, stdout, stderr)),
+          editLine(openLine()),
           pastLines(::history_init()) {
         constexpr int kHistoryLines = 1000;
         ::history(pastLines, &event, H_SETSIZE, kHistoryLines);
@@ -54,6 +55,13 @@ class LineEditor::Terminal {
     }
 
   private:
+    /** The editor takes the letters of the terminal's character set only with its locale; numbers
+     * stay as they are. */
+    static EditLine* openLine() {
+        std::setlocale(LC_CTYPE, "");
+        return ::el_init("velactl", stdin, stdout, stderr);
+    }
+
     static Terminal& of(EditLine* line) {
         void* self = nullptr;
         ::el_get(line, EL_CLIENTDATA, &self);

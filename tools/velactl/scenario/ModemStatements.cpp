@@ -186,8 +186,8 @@ void dump(Stage& stage, const Arguments& /*arguments*/) {
 }
 
 void journal(Stage& stage, const Arguments& /*arguments*/) {
-    for (const velasim::JournalEntry& entry : stage.simulator().journal().snapshot()) {
-        stage.story() << "  " << printable(entry.line()) << '\n';
+    for (const std::string& line : stage.journalLines()) {
+        stage.story() << "  " << line << '\n';
     }
 }
 

@@ -4,8 +4,10 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <iomanip>
 #include <iostream>
+#include <optional>
 #include <sstream>
 
 #include "NumberOption.h"
@@ -24,9 +26,14 @@ ModemOptions seededModem(const Context& context, std::uint64_t seed) {
     return modem;
 }
 
-void printHelp(std::ostream& out) {
+/** The statements whose names begin with these words. */
+void printHelp(std::ostream& out, const std::vector<ScenarioWord>& words) {
     constexpr int kColumn = 24;
-    for (const StatementKind& kind : statementKinds()) {
+    const auto kinds = kindsNamed(words);
+    if (kinds.empty()) {
+        throw badUsage("no statement " + inQuotes(joinStatement(words, false)) + "; help alone lists all");
+    }
+    for (const StatementKind& kind : kinds) {
         const std::string form = std::string(kind.name) + " " + kind.usage;
         out << "  " << std::left << std::setw(kColumn) << form;
         if (form.size() >= kColumn) {
@@ -34,11 +41,16 @@ void printHelp(std::ostream& out) {
         }
         out << kind.help << '\n';
     }
-    out << "  fields are --apn, --user, --password, --auth, --home-ip, --roam-ip, --types, "
-           "--class,\n"
-           "  --[no-]clat, --[no-]emergency, --[no-]disabled, --max-conns, --max-conns-time, "
-           "--wait-time\n"
-           "  help, quit\n";
+    if (words.empty()) {
+        out << "  help [STATEMENT], quit\n";
+    }
+    if (std::any_of(kinds.begin(), kinds.end(),
+                    [](const StatementKind& kind) { return (kind.optionGroups & kFields) != 0; })) {
+        out << "  fields are --apn, --user, --password, --auth, --home-ip, --roam-ip, --types, "
+               "--class,\n"
+               "  --[no-]clat, --[no-]emergency, --[no-]disabled, --max-conns, "
+               "--max-conns-time, --wait-time\n";
+    }
 }
 
 /** False when the line asks to end. */
@@ -47,11 +59,15 @@ bool play(Stage& stage, std::string_view line) {
     if (words.empty()) {
         return true;
     }
-    if (words.front().text == "quit" || words.front().text == "exit") {
+    const std::string& first = words.front().text;
+    if (first == "quit" || first == "exit") {
+        if (words.size() > 1) {
+            throw badUsage("write it as: " + first);
+        }
         return false;
     }
-    if (words.front().text == "help") {
-        printHelp(stage.out());
+    if (first == "help") {
+        printHelp(stage.out(), {words.begin() + 1, words.end()});
         return true;
     }
     Statement(words).run(stage);
@@ -74,13 +90,25 @@ Exit RunCommand::run(const Context& context) {
     std::ostream& story = context.output.isText() ? context.output.text() : unseen;
     Stage stage(seededModem(context, seed), context.output.showSecrets(),
                 {story, isQuiet ? unseen : story}, context.logSink());
-    scenario.play(stage);
+    std::optional<ToolError> failure;
+    try {
+        scenario.play(stage);
+    } catch (const ToolError& error) {
+        failure = error;
+    }
+    Json& document = context.output.document();
+    document = {{"file", file}, {"statements", scenario.size()}, {"passed", !failure}};
     if (isJournalWanted) {
+        document["journal"] = stage.journalLines();
         Statement({{"journal"}}).run(stage);
+    }
+    if (failure) {
+        document["error"] = failure->what();
+        context.output.note(failure->what());
+        return failure->status();
     }
     context.save(stage.workbench());
     context.output.line(file + ": " + counted(scenario.size(), "statement") + ", all as expected");
-    context.output.document() = {{"file", file}, {"statements", scenario.size()}, {"passed", true}};
     return Exit::Done;
 }
 
@@ -89,8 +117,10 @@ void ShellCommand::addOptions(CLI::App& app) {
 }
 
 Exit ShellCommand::run(const Context& context) {
-    std::ostringstream unseen;
-    std::ostream& out = context.output.isText() ? context.output.text() : unseen;
+    if (!context.output.isText()) {
+        throw badUsage("a shell has no JSON document; velactl --json run FILE plays a scenario");
+    }
+    std::ostream& out = context.output.text();
     Stage stage(seededModem(context, seed), context.output.showSecrets(), {out, out},
                 context.logSink());
     LineEditor editor("velactl> ", ::isatty(STDIN_FILENO) != 0, [&stage](const std::string& line) {
@@ -100,14 +130,20 @@ Exit ShellCommand::run(const Context& context) {
         stage.out() << "A simulated modem with the library connected. help tells the statements.\n";
     }
     Exit exit = Exit::Done;
-    while (const auto line = editor.read()) {
+    std::size_t number = 0;
+    for (bool goesOn = true; goesOn;) {
+        const auto line = editor.read();
+        ++number;
         try {
-            if (!play(stage, *line)) {
-                break;
-            }
+            goesOn = line && play(stage, *line);
         } catch (const ToolError& error) {
-            context.err << "  " << error.what() << '\n';
+            const std::string place =
+                editor.isInteractive() ? "" : "line " + std::to_string(number) + ": ";
+            context.err << "  " << place << error.what() << '\n';
             exit = editor.isInteractive() ? Exit::Done : error.status();
+        }
+        if (!line && editor.isInteractive()) {
+            out << '\n';  // for the shell that follows on the terminal
         }
     }
     context.save(stage.workbench());

@@ -77,6 +77,19 @@ void Stage::tell(const std::vector<std::string>& failures) {
     }
 }
 
+std::vector<std::string> Stage::journalLines() {
+    const auto entries = simulator().journal().snapshot();
+    std::vector<std::string> lines;
+    if (!entries.empty() && entries.front().sequence > 1) {
+        lines.push_back("the first " + counted(entries.front().sequence - 1, "entry") +
+                        " are gone: the journal is limited");
+    }
+    for (const velasim::JournalEntry& entry : entries) {
+        lines.push_back(printable(entry.line()));
+    }
+    return lines;
+}
+
 void Stage::settle() {
     bench.settle();
     tell(takeTraffic().failures);

@@ -93,6 +93,9 @@ class Stage {
     /** Lets everything that was announced arrive and tells whose listeners were called. */
     void settle();
 
+    /** All that has crossed between library and modem, for people. */
+    std::vector<std::string> journalLines();
+
     /** The library's log lines since the beginning. */
     const std::vector<std::string>& log() const { return logLines; }
 

@@ -88,6 +88,21 @@ const std::vector<StatementKind>& statementKinds() {
     return kinds;
 }
 
+std::vector<StatementKind> kindsNamed(const std::vector<ScenarioWord>& words) {
+    std::vector<StatementKind> named;
+    std::copy_if(
+        statementKinds().begin(), statementKinds().end(), std::back_inserter(named),
+        [&words](const StatementKind& kind) {
+            const auto name = nameWords(kind);
+            return std::equal(
+                name.begin(),
+                name.begin() + static_cast<std::ptrdiff_t>(std::min(name.size(), words.size())),
+                words.begin(),
+                [](const auto& part, const auto& word) { return part == word.text; });
+        });
+    return named;
+}
+
 Statement::Statement(const std::vector<ScenarioWord>& words) : kind(&kindOf(words)) {
     const auto nameLength = static_cast<std::ptrdiff_t>(nameWords(*kind).size());
     arguments.parse({words.begin() + nameLength, words.end()}, kind->optionGroups);

@@ -29,6 +29,9 @@ struct StatementKind {
 /** All kinds, in the order of the help. */
 const std::vector<StatementKind>& statementKinds();
 
+/** Those that the words name, whole or begun; words behind a whole name do not count. */
+std::vector<StatementKind> kindsNamed(const std::vector<ScenarioWord>& words);
+
 /** A statement that has been read and can be played any number of times. */
 class Statement {
   public:
