@@ -90,7 +90,10 @@ TEST_F(Scenarios, AFileThatMakesNoSenseIsRefusedBeforeItBegins) {
         EXPECT_THAT(result.err, AllOf(HasSubstr("story.scn:4: "), HasSubstr(each.error)));
     }
     EXPECT_THAT(play(std::string(5000, 'x')).err, HasSubstr("story.scn:1: a line of 5000 bytes"));
-    EXPECT_THAT(runTool({"run", directory / "none.scn"}).err, HasSubstr("cannot be opened"));
+    EXPECT_THAT(runTool({"run", directory / "none.scn"}).err, HasSubstr("cannot be read: No such"));
+    EXPECT_THAT(runTool({"run", directory}).err, HasSubstr("is a directory; a scenario is needed"));
+    EXPECT_THAT(runTool({"run", "/dev/zero"}).err, HasSubstr("larger than 1 MiB"));
+    EXPECT_THAT(runTool({"--modem", "/dev/full", "list"}).err, HasSubstr("not a regular file"));
 }
 
 // A modem with profile 1 that both sides know, and the key of a temporary one that expired once.

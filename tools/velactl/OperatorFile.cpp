@@ -3,21 +3,20 @@
 #include "OperatorFile.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <map>
 #include <pugixml.hpp>
 
+#include "FileText.h"
 #include "Text.h"
 #include "ToolError.h"
 
 namespace velactl {
 
 namespace {
+
+constexpr std::size_t kMaxFile = 64U << 20U;
 
 /** Finds lines and columns of ever larger offsets. */
 class Position {
@@ -113,23 +112,6 @@ pugi::xml_node parseRoot(pugi::xml_document& document, std::string_view text,
     return root;
 }
 
-std::string readWhole(const std::string& path) {
-    if (std::error_code error; std::filesystem::is_directory(path, error)) {
-        throw refused(path + ": is a directory; an operator file is needed");
-    }
-    std::ifstream in(path, std::ios::binary);
-    std::string text;
-    std::array<char, 65536> block{};
-    // Not by iterators, which throw when the disk fails.
-    while (in.read(block.data(), block.size()) || in.gcount() > 0) {
-        text.append(block.data(), static_cast<std::size_t>(in.gcount()));
-    }
-    if (!in.is_open() || in.bad()) {
-        throw refused(path + ": cannot be read: " + std::strerror(errno));
-    }
-    return text;
-}
-
 std::string operatorKey(const OperatorEntry& entry) {
     return entry.mcc + '/' + entry.mnc + ' ' + entry.mvnoType + ':' + toLower(entry.mvnoData);
 }
@@ -214,7 +196,7 @@ std::string Operator::name() const {
 }
 
 OperatorFile OperatorFile::load(const std::string& path) {
-    return parse(readWhole(path), path);
+    return parse(readText(path, kMaxFile, "an operator file"), path);
 }
 
 OperatorFile OperatorFile::parse(std::string_view text, const std::string& name) {

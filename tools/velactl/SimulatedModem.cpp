@@ -102,7 +102,31 @@ SimulatedModem::~SimulatedModem() {
     velasim::DiagLog::instance().setSink({});
 }
 
+namespace {
+
+/** A device would be read for ever. What cannot be opened at all is told when it is tried. */
+void checkFile(const std::string& path) {
+    constexpr std::uintmax_t kMaxFile = 64U << 20U;
+    std::error_code error;
+    const auto kind = std::filesystem::status(path, error).type();
+    if (kind == std::filesystem::file_type::regular) {
+        if (std::filesystem::file_size(path, error) > kMaxFile && !error) {
+            throw refused(path + ": larger than " + std::to_string(kMaxFile >> 20U) +
+                          " MiB, so hardly a modem's memory");
+        }
+    } else if (kind != std::filesystem::file_type::not_found &&
+               kind != std::filesystem::file_type::directory &&
+               kind != std::filesystem::file_type::none) {
+        throw refused(path + ": not a regular file, as a modem's memory must be");
+    }
+}
+
+}  // namespace
+
 velasim::Snapshot SimulatedModem::load() {
+    if (!options.file.empty()) {
+        checkFile(options.file);
+    }
     std::error_code error;
     isNew = !options.file.empty() && !std::filesystem::exists(options.file, error);
     velasim::Snapshot memory;

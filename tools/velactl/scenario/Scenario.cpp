@@ -2,10 +2,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "scenario/Scenario.h"
 
-#include <fstream>
-#include <iterator>
 #include <utility>
 
+#include "FileText.h"
 #include "Text.h"
 #include "ToolError.h"
 
@@ -13,7 +12,7 @@ namespace velactl {
 
 namespace {
 
-constexpr std::streamoff kMaxFile = 1 << 20;
+constexpr std::size_t kMaxFile = 1U << 20U;
 
 }  // namespace
 
@@ -30,19 +29,7 @@ Scenario::Scenario(std::string_view text, std::string scenarioName)
 }
 
 Scenario Scenario::load(const std::string& path) {
-    std::ifstream file(path, std::ios::binary | std::ios::ate);
-    if (!file) {
-        throw refused(path + ": cannot be opened");
-    }
-    if (file.tellg() > kMaxFile) {
-        throw refused(path + ": larger than 1 MiB, so hardly a scenario");
-    }
-    file.seekg(0);
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
-    if (file.bad()) {
-        throw refused(path + ": cannot be read");
-    }
-    return {text, path};
+    return {readText(path, kMaxFile, "a scenario"), path};
 }
 
 void Scenario::play(Stage& stage) const {
