@@ -24,7 +24,7 @@ class Scenarios : public ModemFileTest {
     ToolRun play(const std::string& text, std::vector<std::string> options = {}) const {
         const std::string path = directory / "story.scn";
         std::ofstream(path) << text;
-        options.insert(options.end(), {"run", path});
+        options.insert(options.begin(), {"run", path});
         return runTool(options);
     }
 };
@@ -171,6 +171,74 @@ TEST_F(Scenarios, AnExpectationHoldsOrEndsTheStoryAtItsLine) {
     }
 }
 
+TEST_F(Scenarios, AnOperationIsJudgedByItsOwnRequests) {
+    struct Case {
+        const char* story;
+        const char* outcome;
+        const char* told;
+    };
+    const Case cases[] = {
+        {"add a", "ok", "a is 3GPP:1"},
+        {"fault refuse --value 72\nadd a", "refused", "refused to create a profile: error 72"},
+        {"fault time-out-after-effect\nadd a", "refused",
+         "the modem did not answer the request to create a profile\n"},
+        {"fault send-failure --value -4\nadd a", "refused",
+         "the request to create a profile was not sent: messaging error -4"},
+        {"fault table-full --message create\nadd a\nservice down\nadd b", "refused",
+         "was not sent: the library is not connected to the modem"},
+        {"hold\nservice down\nadd a", "refused",
+         "did not answer the request to create a profile: its"},
+        {"fault refuse --message list\nrefresh completed", "refused",
+         "refused to list the profiles"},
+        {"add a\nfault time-out --message read\nrefresh completed", "refused", "to read a profile"},
+        {"add a\nfault refuse --message modify\nmodify a --apn x", "refused", "reports success"},
+        {"add a --apn x\nmodify a --apn x", "ok", "reports success"},
+        {"add a\nfault refuse --message read\nforeign modify 1 apn_name=y\nmodify a --apn x",
+         "refused", "and sent nothing"},
+        {"add a --temporary\nfault time-out --message delete\nadd a", "ok",
+         "did not answer the request to delete a profile"},
+        {"add a --temporary\nfault refuse --message delete\ndrop a", "refused",
+         "refused to delete a profile"},
+    };
+    for (const Case& each : cases) {
+        const ToolRun result = play(each.story + std::string("\nexpect ") + each.outcome);
+        EXPECT_EQ(result.status, 0) << each.story << result.err;
+        EXPECT_THAT(result.out, HasSubstr(each.told)) << each.story;
+    }
+}
+
+TEST_F(Scenarios, WhatIsNotKnownIsNotExpected) {
+    const std::pair<const char*, const char*> stories[] = {
+        {"expect ok", "there has been no operation yet"},
+        {"expect refused", "there has been no operation yet"},
+        {"add a\nfault refuse\nadd a\nexpect key a", "no key is held as \"a\""},
+        {"refresh started\nexpect no-library 1", "answers nothing until refresh completed"},
+        {"add a\nrefresh started\nexpect stale a", "answers nothing until refresh completed"},
+    };
+    for (const auto& [story, error] : stories) {
+        const ToolRun result = play(story);
+        EXPECT_EQ(result.status, 1) << story;
+        EXPECT_THAT(result.err, HasSubstr(error));
+    }
+    EXPECT_THAT(
+        play("foreign create apn_name=BiG\nrefresh started\nshow\nrefresh completed\n"
+             "expect modem 1 --apn bIG\nexpect library 1 --apn Big\nexpect agree")
+            .out,
+        AllOf(HasSubstr("  BiG\n  the library: answers nothing"), HasSubstr("as expected")));
+}
+
+TEST_F(Scenarios, AStoryThatFailsTellsItsJournal) {
+    const std::string story = "add a\nkeys\nexpect refused";
+    const ToolRun text = play(story, {"--quiet", "--journal"});
+    EXPECT_EQ(text.status, 1);
+    EXPECT_THAT(text.out, AllOf(testing::StartsWith("  a is"), HasSubstr("\"create profile\"")));
+    const ToolRun json = play(story, {"--json", "--journal"});
+    EXPECT_EQ(json.status, 1);
+    EXPECT_EQ(json.json()["passed"], false);
+    EXPECT_THAT(json.json()["error"], HasSubstr("story.scn:3: expected otherwise"));
+    EXPECT_GT(json.json()["journal"].size(), 10U);
+}
+
 TEST_F(Scenarios, FaultsAndOrderAreTheWritersChoice) {
     const ToolRun result = play(R"(fault refuse --message create --first 2 --value 72
 add a --temporary
@@ -217,14 +285,19 @@ TEST(Completion, OffersTheNextWordThatMakesSense) {
 
 TEST_F(Scenarios, TheShellReadsStatementsFromAPipe) {
     std::istringstream typed(
-        "add a --temporary --apn shell\nexpect modem 1 --apn shell\nbogus\n\nkeys\nquit\nsay no\n");
+        "add a --temporary --apn shell\nexpect modem 1 --apn shell\nbogus\nquit now\n\nhelp fault\n"
+        "help bogus\nkeys\nquit\nsay no\n");
     auto* const terminal = std::cin.rdbuf(typed.rdbuf());
     const ToolRun result = runTool({"shell"});
     std::cin.rdbuf(terminal);
     std::cin.clear();
     EXPECT_EQ(result.status, 2);
-    EXPECT_THAT(result.out, AllOf(HasSubstr("a is "), Not(HasSubstr("no\n"))));
-    EXPECT_THAT(result.err, HasSubstr("unknown statement \"bogus\""));
+    EXPECT_THAT(result.out, AllOf(HasSubstr("a is "), HasSubstr("--probability"),
+                                  Not(HasSubstr("no\n")), Not(HasSubstr("subscription-change"))));
+    EXPECT_THAT(result.err, AllOf(HasSubstr("line 3: unknown statement \"bogus\""),
+                                  HasSubstr("line 4: write it as: quit"),
+                                  HasSubstr("line 7: no statement \"bogus\"")));
+    EXPECT_EQ(runTool({"--json", "shell"}).status, 2);
 }
 
 }  // namespace

@@ -215,6 +215,10 @@ TEST_F(Tool, DemoFollowsTheModemThroughForeignChangeAndRestart) {
         EXPECT_EQ(steps[i]["changes"][0]["change"], kinds[i]);
     }
     EXPECT_EQ(runJson({"show", "1"})["user"], "somebody");
+
+    const ToolRun full = run({"--capacity", "1", "demo"});
+    EXPECT_EQ(full.status, 1);
+    EXPECT_THAT(full.out, HasSubstr("THIS DID NOT HAPPEN: the modem refused to create a profile"));
 }
 
 }  // namespace
