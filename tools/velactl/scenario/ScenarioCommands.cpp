@@ -31,7 +31,8 @@ void printHelp(std::ostream& out, const std::vector<ScenarioWord>& words) {
     constexpr int kColumn = 24;
     const auto kinds = kindsNamed(words);
     if (kinds.empty()) {
-        throw badUsage("no statement " + inQuotes(joinStatement(words, false)) + "; help alone lists all");
+        throw badUsage("no statement " + inQuotes(joinStatement(words, false)) +
+                       "; help alone lists all");
     }
     for (const StatementKind& kind : kinds) {
         const std::string form = std::string(kind.name) + " " + kind.usage;
