@@ -122,11 +122,11 @@ std::vector<std::string> Arguments::takeOptions(const CLI::App& app,
         if (equals == std::string::npos && (++word == given.end() || word->isOption())) {
             throw badUsage(name + " needs a value");
         }
-        const std::string value =
+        const std::string text =
             equals == std::string::npos ? word->text : word->text.substr(equals + 1);
-        options.push_back(value.empty() ? name : name + '=' + value);
-        if (value.empty()) {
-            options.push_back(value);
+        options.push_back(text.empty() ? name : name + '=' + text);
+        if (text.empty()) {
+            options.push_back(text);
         }
     }
     return options;
