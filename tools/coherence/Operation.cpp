@@ -68,6 +68,14 @@ bool isMeaningful(const velasim::FaultRule& rule) {
                : rule.messageId != velasim::kForeignChange && appliesTo(rule.fault, rule.messageId);
 }
 
+/** Of what a fault can be told, what the model need not know: an error, or how far it goes. */
+std::uint32_t randomValue(Random& random, velasim::Fault fault) {
+    const bool isRefusal = fault == velasim::Fault::Refuse;
+    return isRefusal || pointOf(fault) == velasim::FaultPoint::Indication
+               ? static_cast<std::uint32_t>(random.below(isRefusal ? 100 : 4))
+               : 0;
+}
+
 std::string messageText(const velasim::FaultRule& rule) {
     return rule.messageId == velasim::kAnyMessage      ? "any"
            : rule.messageId == velasim::kForeignChange ? "of someone else"
@@ -75,7 +83,8 @@ std::string messageText(const velasim::FaultRule& rule) {
 }
 
 std::string describe(const velasim::FaultRule& rule) {
-    const auto text = toString(rule.fault) + " on message " + messageText(rule);
+    const auto value = rule.value == 0 ? "" : " " + std::to_string(rule.value);
+    const auto text = toString(rule.fault) + value + " on message " + messageText(rule);
     if (rule.probability < 1) {
         return text + " with probability " + std::to_string(rule.probability);
     }
@@ -137,6 +146,7 @@ velasim::FaultRule Operation::rule() const {
     } while (!isMeaningful(rule));
     rule.first = static_cast<std::uint32_t>(1 + random.below(3));
     rule.count = static_cast<std::uint32_t>(1 + random.below(3));
+    rule.value = randomValue(random, rule.fault);
     return rule;
 }
 
