@@ -230,6 +230,17 @@ Image Image::of(const velasim::Settings& settings, bool is3gpp2) {
     return image;
 }
 
+bool Image::isStoredAs(const Image& stored) const {
+    const auto kept = Image::of(settings(), is3gpp2);
+    return std::all_of(std::begin(kRules), std::end(kRules), [&](const Rule& rule) {
+        const auto isIn = [&](const Image& image) {
+            return image.text(rule.field) == stored.text(rule.field) &&
+                   image.number(rule.field) == stored.number(rule.field);
+        };
+        return isIn(*this) || isIn(kept);
+    });
+}
+
 void Image::unterminate() {
     for (const auto& rule : kRules) {
         if (const auto text = texts.find(rule.field); text != texts.end()) {

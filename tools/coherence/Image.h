@@ -74,6 +74,10 @@ struct Image {
     velasim::Settings settings() const;
     static Image of(const velasim::Settings& settings, bool is3gpp2);
 
+    /** Whether the modem, which tells `stored`, has this profile: each field as it is here, or as
+     * much of it as the modem can keep. */
+    bool isStoredAs(const Image& stored) const;
+
     /** Texts that fill their arrays, as a modem sends them that forgets the terminator. */
     void unterminate();
 

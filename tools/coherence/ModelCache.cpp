@@ -238,9 +238,8 @@ void ModelCache::compareWithModem(ProfileId id, const std::vector<const Entry*>&
         throw Mismatch(id.text() + " is cached " + std::to_string(entries.size()) +
                        " times, the modem has " + (stored == modem.table.end() ? "none" : "one"));
     }
-    // What the client wrote counts as what the modem can keep of it.
     const auto& image = entries.front()->image;
-    if (Image::of(image.settings(), id.is3gpp2()) != Image::of(stored->second, id.is3gpp2())) {
+    if (!image.isStoredAs(Image::of(stored->second, id.is3gpp2()))) {
         throw Mismatch(id.text() + " is cached as " + image.text(id) + " but stored as " +
                        velasim::describe(stored->second, id.technology));
     }

@@ -78,13 +78,16 @@ struct RawNumber {
 };
 
 /** What the library never writes but understands: any number that is not 0 is true, high bits are
- * kept or ignored, a type that is not configured is none, roaming types differ, and an override may
- * say what is so without it. */
+ * kept or ignored, a type that is not configured is none, one that means nothing is unknown,
+ * roaming types differ, and an override may say what is so without it. */
 constexpr RawNumber kRawNumbers[] = {
     {"apn_type_mask", 0x8000'0000'0000'0001U},
     {"apn_type_mask", 0x1001},
     {"apn_type_mask", 0x1'0000'1013U},
     {"clat_enabled", 2},
+    {"pdp_type", 1},
+    {"pdn_type_3gpp2", 3},
+    {"lte_roaming_pdp_type", 7},
     {"override_home_pdp_type", 0},
     {"override_home_pdp_type", 1},
     {"override_home_pdp_type", 255},
