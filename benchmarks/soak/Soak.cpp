@@ -24,7 +24,7 @@ constexpr std::uint64_t kLongRun = 200'000;
 
 // What may differ between two moments of rest: fragments, buffers that grow to their bound.
 constexpr std::int64_t kAllocatedSlack = 128 << 10;
-constexpr std::int64_t kResidentSlack = 4 << 20;
+constexpr std::int64_t kResidentSlack = 8 << 20;
 constexpr std::int64_t kRiseSlack = 8 << 10;
 constexpr std::int64_t kBytesPerPendingRecord = 48;
 
