@@ -153,7 +153,7 @@ extern "C" int rlink_client_send_msg_sync(rlink_client_type, unsigned int messag
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     input().start(data, size);
-    // Most inputs are one answer, without a list and a log on the way: they are ten times as fast.
+    // Most inputs are one answer, without a list and a log on the way: they are faster.
     const std::uint8_t road = input().next();
     if (road < 0x20) {
         readAll();
