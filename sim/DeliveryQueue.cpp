@@ -20,7 +20,7 @@ DeliveryQueue::DeliveryQueue(Journal& journal, DeliveryMode mode)
     : journal(journal), mode(mode), thread([this] { run(); }), threadId(thread.get_id()) {}
 
 DeliveryQueue::Ticket DeliveryQueue::push(Delivery delivery, Place place) {
-    const bool isGranted = mode == DeliveryMode::Immediate || place == Place::AtOnce;
+    const bool isGranted = mode == DeliveryMode::Immediate && place != Place::First;
     auto ticket = std::make_shared<Item>(Item{std::move(delivery), place, isGranted});
     const std::lock_guard lock(mutex);
     if (closed) {
@@ -37,14 +37,16 @@ std::deque<DeliveryQueue::Ticket>::iterator DeliveryQueue::positionFor(const Ite
         return queue.end();
     }
     return std::find_if(queue.begin(), queue.end(), [&](const Ticket& other) {
-        return item.place == Place::AtOnce ? other->place != Place::AtOnce
-                                           : other->receiver() == item.receiver();
+        return item.place == Place::First ? other->place != Place::First
+                                          : other->receiver() == item.receiver();
     });
 }
 
-void DeliveryQueue::waitFor(const Ticket& ticket) {
+void DeliveryQueue::deliver(const Ticket& ticket) {
+    std::unique_lock lock(mutex);
+    ticket->isGranted = true;
+    workable.notify_one();
     if (!isOwnThread()) {
-        std::unique_lock lock(mutex);
         settled.wait(lock, [&] { return ticket->isFinished; });
     }
 }
@@ -143,7 +145,7 @@ void DeliveryQueue::run() {
         if (closed) {
             return;
         }
-        deliver(lock, ticket);
+        makeCallback(lock, ticket);
     }
 }
 
@@ -158,7 +160,7 @@ DeliveryQueue::Ticket DeliveryQueue::takeGranted() {
     return ticket;
 }
 
-void DeliveryQueue::deliver(std::unique_lock<std::mutex>& lock, const Ticket& ticket) {
+void DeliveryQueue::makeCallback(std::unique_lock<std::mutex>& lock, const Ticket& ticket) {
     running = ticket;
     journal.add(ticket->delivery.entry);
     lock.unlock();

@@ -35,7 +35,7 @@ class DeliveryQueue {
     enum class Place {
         Last,
         BeforeOthersOfReceiver,
-        AtOnce  // first of all, in Stepped mode too
+        First  // of all, but only by deliver()
     };
 
     DeliveryQueue(Journal& journal, DeliveryMode mode);
@@ -47,8 +47,9 @@ class DeliveryQueue {
     /** After close(), nothing is queued any more. */
     Ticket push(Delivery delivery, Place place);
 
-    /** Waits until the delivery has been made or dropped. On the queue's own thread: returns. */
-    void waitFor(const Ticket& ticket);
+    /** In Stepped mode too; waits until it has been made or dropped. On the queue's own thread:
+     * does not wait. */
+    void deliver(const Ticket& ticket);
 
     /** Drops what waits for a receiver. */
     void drop(std::uint32_t receiver);
@@ -67,7 +68,7 @@ class DeliveryQueue {
   private:
     std::deque<Ticket>::iterator positionFor(const Item& item);
     void run();
-    void deliver(std::unique_lock<std::mutex>& lock, const Ticket& ticket);
+    void makeCallback(std::unique_lock<std::mutex>& lock, const Ticket& ticket);
     Ticket takeGranted();
     void finish(const Ticket& ticket);
     bool isOwnThread() const { return std::this_thread::get_id() == threadId; }

@@ -109,7 +109,7 @@ void IndicationSender::sendOne(const Outgoing& outgoing,
     const auto count = duplicate == nullptr ? 1 : 1 + valueOr(*duplicate, 1);
     auto place = DeliveryQueue::Place::Last;
     if (outgoing.comesBeforeResponse()) {
-        place = DeliveryQueue::Place::AtOnce;
+        place = DeliveryQueue::Place::First;
     } else if (find(faults, Fault::ReorderIndication) != nullptr) {
         place = DeliveryQueue::Place::BeforeOthersOfReceiver;
     }
