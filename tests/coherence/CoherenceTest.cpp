@@ -63,7 +63,7 @@ std::vector<Operation> script() {
     step(Kind::DeliverAll);
     step(Kind::ForeignModify, 0, 11);
     step(Kind::ForeignCreate, 0, 12);
-    step(Kind::DeliverAll);
+    step(Kind::DeliverAtOnce);
     step(Kind::ProfileReady);
     step(Kind::DeliverAll);
     step(Kind::Add, 4, temporary);
@@ -73,6 +73,7 @@ std::vector<Operation> script() {
     step(Kind::DeliverAll);
     step(Kind::Add, 6, temporary);
     step(Kind::Restart);
+    step(Kind::DeliverAtOnce);
     step(Kind::DeliverAll);
     step(Kind::RefreshStart);
     step(Kind::Drop, 2);

@@ -7,6 +7,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "Visitor.h"
+
 namespace coherence {
 
 namespace {
@@ -208,6 +210,8 @@ void Driver::performForModem(const Operation& operation) {
             return simulator.faults().clear();
         case Kind::DeliverOne:
             return deliver();
+        case Kind::DeliverAtOnce:
+            return deliverAtOnce();
         default:
             return deliverAll();
     }
@@ -265,6 +269,16 @@ void Driver::deliverAll() {
     while (simulator.pendingDeliveries() != 0) {
         deliver();
     }
+}
+
+/** All callbacks while the worker is busy: it finds them together. */
+void Driver::deliverAtOnce() {
+    const auto visitor = std::make_shared<Visitor>([this] { simulator.deliverAll(); });
+    act([&] { manager.getProfile(visitor); }, [&] { model.rest(); });
+    if (!visitor->hasVisited()) {
+        throw Mismatch("the worker did not look at a key");
+    }
+    checkCache();
 }
 
 /** The next outage heals all but a connection that nobody waits for any more. */

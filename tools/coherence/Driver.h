@@ -34,8 +34,8 @@ struct Outcome {
 
 /**
  * Carries out a run against the library on a simulator of its own, and against the model beside it;
- * compares them after every step. Callbacks of the messaging library are made one by one, and only
- * when the worker rests, so that a run is always the same.
+ * compares them after every step. Callbacks of the messaging library are made only while the worker
+ * rests, or all while it is kept busy, so that a run is always the same.
  */
 class Driver {
   public:
@@ -65,6 +65,7 @@ class Driver {
     void drop(unsigned slot);
     void deliver();
     void deliverAll();
+    void deliverAtOnce();
     void reconnect();
     void heal();
 

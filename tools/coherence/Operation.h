@@ -41,6 +41,7 @@ struct Operation {
         Restart,
         DeliverOne,
         DeliverAll,
+        DeliverAtOnce,
         ReleaseDelayed,
         Inject,
         SetFault,
