@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Campaign.h"
 
+#include <array>
 #include <chrono>
 #include <cinttypes>
 #include <cstdio>
@@ -25,6 +26,21 @@ std::string describe(const Outcome& outcome, const std::vector<Operation>& opera
     out << outcome.failure << "\n  at step " << outcome.step + 1 << " of " << operations.size()
         << (outcome.step < operations.size() ? "" : " (the reload at the end)") << "\n";
     return out.str();
+}
+
+/** Profiles have texts of any bytes; whoever reads of them needs lines. */
+std::string legible(const std::string& text) {
+    std::string shown;
+    for (const char byte : text) {
+        if (byte == '\n' || (byte >= ' ' && byte <= '~')) {
+            shown += byte;
+        } else {
+            std::array<char, 5> hex{};
+            std::snprintf(hex.data(), hex.size(), "\\x%02X", static_cast<unsigned char>(byte));
+            shown += hex.data();
+        }
+    }
+    return shown;
 }
 
 }  // namespace
@@ -53,7 +69,7 @@ std::string Campaign::describeFailure(std::uint64_t seed, const Outcome& outcome
         out << "  " << i + 1 << ". " << shortest[i].line() << "\n";
     }
     out << "which fail with: " << describe(runApart(seed, shortest, longestRun(0)), shortest);
-    return out.str();
+    return legible(out.str());
 }
 
 bool Campaign::run() const {

@@ -283,6 +283,11 @@ void ModelModem::serviceDown() {
     isUp = isConnected = isOverlooked = false;
     subscriptions.clear();
     exceptions.onDisconnect();
+    for (const auto& arrival : arrivals) {  // they outlive the connection
+        if (const auto change = arrival.change()) {
+            exceptions.expectForeign(change->id);
+        }
+    }
 }
 
 void ModelModem::powerCycle() {
