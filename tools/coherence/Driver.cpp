@@ -4,9 +4,9 @@
 
 #include <algorithm>
 #include <iterator>
-#include <type_traits>
 #include <utility>
 
+#include "Result.h"
 #include "Visitor.h"
 
 namespace coherence {
@@ -23,42 +23,11 @@ const std::vector<std::uint8_t> kSaysNothing{0x7F, 0, 0};
 
 velasim::SimulatorOptions optionsFor(std::uint64_t seed) {
     velasim::SimulatorOptions options;
-    options.instances = 1;
+    options.instances = Model::kInstances;
     options.capacity = kCapacity;
     options.delivery = velasim::DeliveryMode::Stepped;
     options.seed = seed;
     return options;
-}
-
-std::string text(bool value) {
-    return value ? "true" : "false";
-}
-
-std::string text(int value) {
-    return std::to_string(value);
-}
-
-std::string text(const std::optional<vela::ProfileParams>& params) {
-    return params ? params->dump() : "nothing";
-}
-
-std::string text(const std::vector<std::uint64_t>& tokens) {
-    std::string line;
-    for (const auto token : tokens) {
-        line += std::to_string(token) + " ";
-    }
-    return line;
-}
-
-/** What a step came to, if it comes to anything. */
-template <typename Step>
-std::string resultOf(Step step) {
-    if constexpr (std::is_void_v<decltype(step())>) {
-        step();
-        return {};
-    } else {
-        return text(step());
-    }
 }
 
 std::uint64_t tokenOf(const vela::IProfileKey& key) {
@@ -69,7 +38,10 @@ std::uint64_t tokenOf(const vela::IProfileKey& key) {
 }  // namespace
 
 Driver::Driver(std::uint64_t seed, bool keepJournal)
-    : keepJournal(keepJournal), simulator(optionsFor(seed)), model(kCapacity) {}
+    : keepJournal(keepJournal),
+      simulator(optionsFor(seed)),
+      model(kCapacity),
+      home(static_cast<int>(seed % Model::kInstances)) {}
 
 Driver::~Driver() = default;
 
@@ -93,11 +65,9 @@ Outcome Driver::run(const std::vector<Operation>& operations,
 
 /** Some provisioned profiles, and a first key that tells where tokens start. */
 void Driver::start() {
-    for (const auto technology : {Technology::ThreeGpp, Technology::ThreeGpp2}) {
-        const auto index = simulator.storeProfile(0, technology, {});
-        model.provision({technology, index.value_or(0)}, {});
-    }
-    perform(Kind::Init);
+    provision(0, {Technology::ThreeGpp, Technology::ThreeGpp2});
+    provision(1, {Technology::ThreeGpp, Technology::ThreeGpp2, Technology::ThreeGpp2});
+    init(home);
     deliverAll();
     perform({Kind::Add, 0, 0, 1, {}});
     if (!keys[0]) {
@@ -107,6 +77,14 @@ void Driver::start() {
     perform(Kind::Delete);
     perform(Kind::DeliverAll);
     check();
+}
+
+/** Other profiles on each instance, so that the one cannot be taken for the other. */
+void Driver::provision(int instance, const std::vector<Technology>& technologies) {
+    for (const auto technology : technologies) {
+        const auto index = simulator.storeProfile(instance, technology, {});
+        model.provision(instance, {technology, index.value_or(0)}, {});
+    }
 }
 
 void Driver::perform(const Operation& operation) {
@@ -133,12 +111,17 @@ void Driver::performForClient(const Operation& operation) {
             return act([&] { manager.refresh(vela::PDCRefreshStatus::RefreshCompleted); },
                        [&] { model.refresh(false); });
         case Kind::Init:
-            return act([&] { manager.init(0, false); }, [&] { model.init(); });
+            return init(operation.instance());
         case Kind::Drop:
             return drop(slot);
         default:
             return performOnKey(operation);
     }
+}
+
+void Driver::init(int instance) {
+    home = instance;
+    act([&] { manager.init(home, false); }, [&] { model.init(home); });
 }
 
 /** Holds the key meanwhile, so that it is not left to chance who drops it last when a listener
@@ -175,22 +158,27 @@ void Driver::add(unsigned slot, const vela::AddProfileParams& params) {
 void Driver::performForModem(const Operation& operation) {
     const auto id = operation.id();
     const auto settings = operation.settings();
+    const auto instance = operation.isElsewhere() ? (home + 1) % Model::kInstances : home;
     switch (operation.kind) {
         case Kind::ForeignCreate:
             return act(
-                [&] { return simulator.foreignCreate(0, id.technology, settings).value_or(0); },
-                [&] { return model.foreignCreate(id.technology, settings); });
+                [&] {
+                    return simulator.foreignCreate(instance, id.technology, settings).value_or(0);
+                },
+                [&] { return model.foreignCreate(instance, id.technology, settings); });
         case Kind::ForeignModify:
             return act(
-                [&] { return simulator.foreignModify(0, id.technology, id.index, settings); },
-                [&] { return model.foreignModify(id, settings); });
+                [&] {
+                    return simulator.foreignModify(instance, id.technology, id.index, settings);
+                },
+                [&] { return model.foreignModify(instance, id, settings); });
         case Kind::ForeignDelete:
-            return act([&] { return simulator.foreignDelete(0, id.technology, id.index); },
-                       [&] { return model.foreignDelete(id); });
+            return act([&] { return simulator.foreignDelete(instance, id.technology, id.index); },
+                       [&] { return model.foreignDelete(instance, id); });
         case Kind::SubscriptionChange:
-            return act([&] { simulator.subscriptionChange(0); }, [] {});
+            return act([&] { simulator.subscriptionChange(instance); }, [] {});
         case Kind::ProfileReady:
-            return act([&] { simulator.profileReady(0); }, [] {});
+            return act([&] { simulator.profileReady(instance); }, [] {});
         case Kind::ServiceDown:
             return act([&] { simulator.serviceDown(); }, [&] { model.serviceDown(); });
         case Kind::ServiceUp:
@@ -290,10 +278,10 @@ void Driver::reconnect() {
         deliverAll();
     }
     if (model.isCutOff()) {
-        perform(Kind::Init);
+        init(home);
         deliverAll();
     }
-    if (!model.isSubscribed() || simulator.subscribedClients(0) != 1) {
+    if (!model.isSubscribed() || simulator.subscribedClients(home) != 1) {
         throw Mismatch("an outage did not heal the connection");
     }
 }
@@ -359,7 +347,9 @@ void Driver::awaitRest() {
 void Driver::check() {
     checkCache();
     checkKeys();
-    checkTable();
+    for (int instance = 0; instance < Model::kInstances; ++instance) {
+        checkTable(instance);
+    }
     if (simulator.pendingDeliveries() == 0) {
         model.settle();
         const auto comparison = model.compareWithModem();
@@ -385,10 +375,10 @@ void Driver::checkKeys() {
     }
 }
 
-void Driver::checkTable() {
-    auto promised = model.table();
+void Driver::checkTable(int instance) {
+    auto promised = model.table(instance);
     for (const auto technology : {Technology::ThreeGpp, Technology::ThreeGpp2}) {
-        for (const auto& [index, settings] : simulator.profiles(0, technology)) {
+        for (const auto& [index, settings] : simulator.profiles(instance, technology)) {
             const auto found = promised.find({technology, index});
             if (found == promised.end() ||
                 !velasim::sameSettings(found->second, settings, technology)) {

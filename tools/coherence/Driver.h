@@ -39,7 +39,8 @@ struct Outcome {
  */
 class Driver {
   public:
-    /** `seed` decides only what a fault does to the bytes of an indication. */
+    /** `seed` decides what a fault does to the bytes of an indication, and on which instance of the
+     * modem the library starts. */
     explicit Driver(std::uint64_t seed, bool keepJournal = false);
     ~Driver();
     Driver(const Driver&) = delete;
@@ -54,6 +55,8 @@ class Driver {
     using Key = std::shared_ptr<vela::IProfileKey>;
 
     void start();
+    void provision(int instance, const std::vector<velasim::Technology>& technologies);
+    void init(int instance);
     void perform(const Operation& operation);
     void perform(Operation::Kind kind) { perform({kind, 0, 0, 0, {}}); }
     void performForClient(const Operation& operation);
@@ -75,12 +78,13 @@ class Driver {
     void check();
     void checkCache();
     void checkKeys();
-    void checkTable();
+    void checkTable(int instance);
 
     const bool keepJournal;
     velasim::Simulator simulator;
     vela::Manager manager;
     Model model;
+    int home;  // the instance that the library was started on
     std::vector<Key> keys{Model::kSlots};
 
     std::vector<KeyRing::Call> calls;  // of listeners, on the worker while this thread waits for it

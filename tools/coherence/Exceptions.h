@@ -20,6 +20,7 @@ inline constexpr const char* kUnheard = "nobody told the library of the change";
 inline constexpr const char* kForgotten = "a power cycle forgets silently";
 inline constexpr const char* kSwallowed = "a foreign change looks like an own one that is pending";
 inline constexpr const char* kOvertaken = "an indication arrives when the profile is another";
+inline constexpr const char* kElsewhere = "the library works on another instance";
 inline constexpr const char* kIndicationFault = "the indication was lost, late, wrong or double";
 
 /**
@@ -54,6 +55,11 @@ class Exceptions {
         (fault == velasim::Fault::DelayIndication ? held : underWay).insert(id);
     }
 
+    void onConnect(bool isHome) {
+        isElsewhere = !isHome;
+        hasBeenElsewhere |= isElsewhere;
+    }
+
     /** What was under way is lost. */
     void onDisconnect() {
         for (const auto& id : underWay) {
@@ -75,6 +81,7 @@ class Exceptions {
     void onReload() {
         reasons.clear();
         unread.clear();
+        hasBeenElsewhere = isElsewhere;
         for (const auto* ids : {&underWay, &held}) {
             for (const auto& id : *ids) {
                 add(id, kOvertaken);
@@ -87,12 +94,16 @@ class Exceptions {
             ids->clear();
         }
         reasons.clear();
+        isElsewhere = hasBeenElsewhere = false;
         addAll(velasim::Technology::ThreeGpp, kNeverRead);
         addAll(velasim::Technology::ThreeGpp2, kNeverRead);
     }
 
     /** Why; null: there is no reason. */
     const char* reasonFor(ProfileId id) const {
+        if (hasBeenElsewhere) {
+            return kElsewhere;
+        }
         const auto reason = reasons.find(id);
         if (reason != reasons.end()) {
             return reason->second;
@@ -108,6 +119,8 @@ class Exceptions {
     std::set<ProfileId> known;
     std::set<ProfileId> underWay;
     std::set<ProfileId> held;
+    bool isElsewhere = false;
+    bool hasBeenElsewhere = false;  // since the cache was read
 };
 
 }  // namespace coherence

@@ -111,39 +111,47 @@ void Model::refresh(bool isStart) {
     rest();
 }
 
-void Model::init() {
+void Model::init(int instance) {
     keys.startPipeline();
-    modem.startOver();
+    modem.startOver(instance);
     cache.startOver();
     isBlocked = false;
 }
 
 // ---- The modem's side
 
-int Model::foreignCreate(Technology technology, const velasim::Settings& settings) {
-    const ProfileId id{technology, modem.freeIndex(technology)};
+int Model::foreignCreate(int instance, Technology technology, const velasim::Settings& settings) {
+    auto& table = modem.tableOf(instance);
+    const ProfileId id{technology, freeIndex(table, technology, modem.capacity)};
     if (id.index != 0) {
-        modem.store(id, settings);
-        cache.onForeignChange(id, kCreation);
+        store(table, id, settings);
+        onForeignChange(instance, id, kCreation);
     }
     return id.index;
 }
 
-bool Model::foreignModify(ProfileId id, const velasim::Settings& settings) {
-    if (modem.table.count(id) == 0) {
+bool Model::foreignModify(int instance, ProfileId id, const velasim::Settings& settings) {
+    auto& table = modem.tableOf(instance);
+    if (table.count(id) == 0) {
         return false;
     }
-    modem.store(id, settings);
-    cache.onForeignChange(id, {Event::Modify});
+    store(table, id, settings);
+    onForeignChange(instance, id, {Event::Modify});
     return true;
 }
 
-bool Model::foreignDelete(ProfileId id) {
-    if (modem.table.erase(id) == 0) {
+bool Model::foreignDelete(int instance, ProfileId id) {
+    if (modem.tableOf(instance).erase(id) == 0) {
         return false;
     }
-    cache.onForeignChange(id, {Event::Delete});
+    onForeignChange(instance, id, {Event::Delete});
     return true;
+}
+
+void Model::onForeignChange(int instance, ProfileId id, const ModelCache::Events& events) {
+    if (modem.isHome(instance)) {
+        cache.onForeignChange(id, events);
+    }
 }
 
 void Model::settle() {
@@ -161,7 +169,8 @@ std::optional<std::uint64_t> Model::tokenOf(unsigned slot) const {
 }
 
 bool Model::isHealed() const {
-    return std::all_of(modem.table.begin(), modem.table.end(),
+    const auto& table = modem.homeTable();
+    return std::all_of(table.begin(), table.end(),
                        [&](const auto& item) { return !exceptions.covers(item.first); });
 }
 

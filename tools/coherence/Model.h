@@ -27,6 +27,7 @@ namespace coherence {
 class Model {
   public:
     static constexpr unsigned kSlots = 10;
+    static constexpr int kInstances = ModelModem::kInstances;
 
     explicit Model(unsigned capacity) : modem(capacity, exceptions) {}
 
@@ -55,16 +56,19 @@ class Model {
     /** A listener that drops the key in `victim` when it runs. */
     void listen(unsigned slot, int listener, unsigned victim);
     void refresh(bool isStart);
-    /** The library starts, or starts again. */
-    void init();
+    /** The library starts, or starts again, on an instance of the modem. */
+    void init(int instance);
     /** A profile that the modem had before. */
-    void provision(ProfileId id, const velasim::Settings& settings) { modem.store(id, settings); }
+    void provision(int instance, ProfileId id, const velasim::Settings& settings) {
+        store(modem.tableOf(instance), id, settings);
+    }
 
     // ---- the modem's side
 
-    int foreignCreate(velasim::Technology technology, const velasim::Settings& settings);
-    bool foreignModify(ProfileId id, const velasim::Settings& settings);
-    bool foreignDelete(ProfileId id);
+    int foreignCreate(int instance, velasim::Technology technology,
+                      const velasim::Settings& settings);
+    bool foreignModify(int instance, ProfileId id, const velasim::Settings& settings);
+    bool foreignDelete(int instance, ProfileId id);
     void serviceDown() { modem.serviceDown(); }
     void serviceUp() { modem.serviceUp(); }
     void restart() { modem.powerCycle(); }
@@ -82,7 +86,7 @@ class Model {
     std::optional<std::uint64_t> tokenOf(unsigned slot) const;
     /** See ModelCache. */
     std::vector<std::string> dump() const { return cache.dump(); }
-    const std::map<ProfileId, velasim::Settings>& table() const { return modem.table; }
+    const Table& table(int instance) const { return modem.tableOf(instance); }
     ModelCache::Comparison compareWithModem() const { return cache.compareWithModem(); }
     /** No indication waits in the library. */
     bool hasHandledAll() const { return modem.arrivals.empty(); }
@@ -92,6 +96,7 @@ class Model {
   private:
     /** What the key in the slot answers with; null when it does not. */
     const ModelCache::Entry* find(unsigned slot) const;
+    void onForeignChange(int instance, ProfileId id, const ModelCache::Events& events);
     void handleArrivals();
     void handleSignal();
 

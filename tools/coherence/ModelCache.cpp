@@ -37,7 +37,7 @@ std::optional<ModelCache::Named> ModelCache::add(const vela::AddProfileParams& p
     if (technology != Technology::ThreeGpp && technology != Technology::ThreeGpp2) {
         return std::nullopt;
     }
-    const ProfileId id{technology, modem.freeIndex(technology)};
+    const ProfileId id{technology, freeIndex(modem.table(), technology, modem.capacity)};
     Entry entry{id, {id.is3gpp2(), {}, {}}, params.getIsPersistent(), true, 1, {}};
     entry.image = entry.image.changesFor(params);
     if (!id.is3gpp2()) {
@@ -47,7 +47,7 @@ std::optional<ModelCache::Named> ModelCache::add(const vela::AddProfileParams& p
     auto settings = entry.image.settings();
     velasim::setNumber(settings, "persistence_flag", entry.isPersistent ? 1 : 0);
     const auto reply = modem.request(RLINK_WDS_CREATE_PROFILE_REQ_V01, anyOf(technology),
-                                     id.index != 0, [&] { modem.store(id, settings); });
+                                     id.index != 0, [&] { store(modem.table(), id, settings); });
     onOwnRequest(id, kCreation, reply);
     if (!reply.isSuccess) {
         return std::nullopt;
@@ -73,8 +73,8 @@ bool ModelCache::modify(std::uint64_t token, const vela::ModifyProfileParams& pa
         return true;
     }
     const auto reply = modem.request(RLINK_WDS_MODIFY_PROFILE_SETTINGS_REQ_V01, entry.id,
-                                     modem.table.count(entry.id) != 0,
-                                     [&] { modem.store(entry.id, changes.settings()); });
+                                     modem.table().count(entry.id) != 0,
+                                     [&] { store(modem.table(), entry.id, changes.settings()); });
     onOwnRequest(entry.id, {Event::Modify}, reply);
     if (reply.isSuccess) {
         entry.image.apply(changes);
@@ -212,7 +212,7 @@ std::vector<std::string> ModelCache::dump() const {
 
 ModelCache::Comparison ModelCache::compareWithModem() const {
     std::map<ProfileId, std::vector<const Entry*>> entries;
-    for (const auto& [id, settings] : modem.table) {
+    for (const auto& [id, settings] : modem.homeTable()) {
         entries[id];
     }
     for (const auto& [token, cached] : cache) {
@@ -233,10 +233,11 @@ ModelCache::Comparison ModelCache::compareWithModem() const {
 }
 
 void ModelCache::compareWithModem(ProfileId id, const std::vector<const Entry*>& entries) const {
-    const auto stored = modem.table.find(id);
-    if (stored == modem.table.end() || entries.size() != 1) {
+    const auto stored = modem.homeTable().find(id);
+    if (stored == modem.homeTable().end() || entries.size() != 1) {
         throw Mismatch(id.text() + " is cached " + std::to_string(entries.size()) +
-                       " times, the modem has " + (stored == modem.table.end() ? "none" : "one"));
+                       " times, the modem has " +
+                       (stored == modem.homeTable().end() ? "none" : "one"));
     }
     const auto& image = entries.front()->image;
     if (!image.isStoredAs(Image::of(stored->second, id.is3gpp2()))) {
@@ -255,8 +256,8 @@ ModelCache::Cached* ModelCache::look(std::uint64_t token) {
 ModelCache::Cached ModelCache::read(ProfileId id) {
     velasim::Settings settings{};
     const auto reply =
-        modem.request(RLINK_WDS_GET_PROFILE_SETTINGS_REQ_V01, id, modem.table.count(id) != 0,
-                      [&] { settings = modem.table.at(id); });
+        modem.request(RLINK_WDS_GET_PROFILE_SETTINGS_REQ_V01, id, modem.table().count(id) != 0,
+                      [&] { settings = modem.table().at(id); });
     if (!reply.isSuccess) {
         exceptions.add(id, kReadFailed);
         return std::nullopt;
@@ -281,7 +282,7 @@ bool ModelCache::readAll(Technology technology) {
     std::vector<ProfileId> ids;
     const auto reply =
         modem.request(RLINK_WDS_GET_PROFILE_LIST_REQ_V01, anyOf(technology), true, [&] {
-            for (const auto& [id, settings] : modem.table) {
+            for (const auto& [id, settings] : modem.table()) {
                 if (id.technology == technology) {
                     ids.push_back(id);
                 }
@@ -355,8 +356,9 @@ void ModelCache::replace(ProfileId id) {
 }
 
 bool ModelCache::removeFromModem(ProfileId id) {
-    const auto reply = modem.request(RLINK_WDS_DELETE_PROFILE_REQ_V01, id,
-                                     modem.table.count(id) != 0, [&] { modem.table.erase(id); });
+    const auto reply =
+        modem.request(RLINK_WDS_DELETE_PROFILE_REQ_V01, id, modem.table().count(id) != 0,
+                      [&] { modem.table().erase(id); });
     onOwnRequest(id, {Event::Delete}, reply);
     return reply.isSuccess;
 }

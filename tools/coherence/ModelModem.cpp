@@ -218,12 +218,21 @@ void ModelModem::onServiceUp() {
     if (client != 0 || struck(Fault::ClientInitFailure)) {
         return;
     }
+    connect();
+}
+
+void ModelModem::connect() {
     client = take(JournalKind::ClientConnected).client;
     isConnected = true;
     hasErrorCallback = !struck(Fault::ErrorCallbackFailure);
+    bound = 0;
     for (const auto messageId : kSubscription) {
-        request(messageId, std::nullopt, true, [&] { subscriptions.insert(messageId); });
+        request(messageId, std::nullopt, true, [&] {
+            subscriptions.insert(messageId);
+            bound = messageId == RLINK_WDS_BIND_SUBSCRIPTION_REQ_V01 ? home : bound;
+        });
     }
+    exceptions.onConnect(bound == home);
 }
 
 void ModelModem::onClientLost() {
@@ -233,7 +242,8 @@ void ModelModem::onClientLost() {
     startNotifier();
 }
 
-void ModelModem::startOver() {
+void ModelModem::startOver(int instance) {
+    home = instance;
     isConnected = false;
     subscriptions.clear();
     arrivals.clear();
@@ -262,23 +272,6 @@ bool ModelModem::isSubscribed() const {
     return isConnected && subscriptions.size() == std::size(kSubscription);
 }
 
-int ModelModem::freeIndex(Technology technology) const {
-    for (int index = 1; index <= static_cast<int>(capacity); ++index) {
-        if (table.count({technology, index}) == 0) {
-            return index;
-        }
-    }
-    return 0;
-}
-
-void ModelModem::store(ProfileId id, const velasim::Settings& settings) {
-    auto& stored = table[id];
-    if (stored.persistence_flag_valid == 0) {
-        stored.persistence_flag_valid = stored.persistence_flag = 1;
-    }
-    merge(settings, id.technology, stored);
-}
-
 void ModelModem::serviceDown() {
     isUp = isConnected = isOverlooked = false;
     subscriptions.clear();
@@ -292,13 +285,15 @@ void ModelModem::serviceDown() {
 
 void ModelModem::powerCycle() {
     serviceDown();
-    std::erase_if(table, [&](const auto& item) {
-        const bool isVolatile = item.second.persistence_flag == 0;
-        if (isVolatile) {
-            exceptions.add(item.first, kForgotten);
-        }
-        return isVolatile;
-    });
+    for (auto& table : tables) {
+        std::erase_if(table, [&](const auto& item) {
+            const bool isVolatile = item.second.persistence_flag == 0;
+            if (isVolatile && &table == &homeTable()) {
+                exceptions.add(item.first, kForgotten);
+            }
+            return isVolatile;
+        });
+    }
     isUp = true;
 }
 

@@ -4,6 +4,7 @@
 
 #include <velasim/JournalEntry.h>
 
+#include <array>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -16,6 +17,7 @@
 #include "Exceptions.h"
 #include "Image.h"
 #include "Mismatch.h"
+#include "Table.h"
 
 namespace coherence {
 
@@ -44,12 +46,16 @@ struct Arrival {
 };
 
 /**
- * The far side of the boundary as it should be: the modem's table, and the library's connection to
- * it. Takes from the journal which faults struck and what was indicated, and predicts the rest:
- * which requests the library sends, what they do and how they end.
+ * The far side of the boundary as it should be: the tables of the modem's instances, and the
+ * library's connection to one of them. Takes from the journal which faults struck and what was
+ * indicated, and predicts the rest: which requests the library sends, what they do and how they
+ * end.
  */
 class ModelModem {
   public:
+    static constexpr int kInstances = 2;
+    const unsigned capacity;  // of each table
+
     struct Reply {
         bool isSuccess = false;    // as the library is told
         bool hasEffect = false;    // on the modem
@@ -73,8 +79,9 @@ class ModelModem {
      * if `isValid`; `effect` happens if it does. */
     Reply request(std::uint32_t messageId, std::optional<ProfileId> id, bool isValid,
                   const std::function<void()>& effect);
-    /** The library starts; the new connection is begun before the former is given up. */
-    void startOver();
+    /** The library starts on an instance; the new connection is begun before the former is given
+     * up. */
+    void startOver(int instance);
     /** What the library does about what it has been told of, but for the arrivals. */
     void onServiceUp();
     void onClientLost();
@@ -87,15 +94,22 @@ class ModelModem {
      * callback waits. */
     void checkConnection() const;
 
+    /** What the library's requests work on: the first instance's, until another is bound. */
+    Table& table() { return tableOf(bound); }
+    /** What its cache is to agree with. */
+    const Table& homeTable() const { return tableOf(home); }
+
     // ---- someone else's
 
-    int freeIndex(velasim::Technology technology) const;  // 0: none
-    void store(ProfileId id, const velasim::Settings& settings);
+    Table& tableOf(int instance) { return tables.at(static_cast<std::size_t>(instance)); }
+    const Table& tableOf(int instance) const {
+        return tables.at(static_cast<std::size_t>(instance));
+    }
+    bool isHome(int instance) const { return instance == home; }
     void serviceDown();
     void serviceUp() { isUp = true; }
     void powerCycle();
 
-    std::map<ProfileId, velasim::Settings> table;
     std::deque<Arrival> arrivals;  // what the library has not handled yet
 
     /** What the library has been signalled and has not looked at yet, in order. */
@@ -111,12 +125,15 @@ class ModelModem {
     velasim::JournalEntry take(velasim::JournalKind kind);
     void release(std::uint32_t& handle);
     void startNotifier();
+    void connect();
     void expect(velasim::JournalKind kind, std::uint32_t messageId, std::optional<ProfileId> id);
 
-    const unsigned capacity;
     Exceptions& exceptions;
     std::deque<velasim::JournalEntry> trace;
 
+    std::array<Table, kInstances> tables;
+    int home = 0;   // the instance that the library was started on
+    int bound = 0;  // the one that its client works on
     bool isUp = true;
     bool isOverlooked = false;              // the library found no service although there is one
     std::uint32_t notifier = 0;             // 0: none

@@ -121,6 +121,14 @@ vela::FilterProfileParams Operation::filter() const {
     return randomFilter(random);
 }
 
+int Operation::instance() const {
+    return static_cast<int>(detail % Model::kInstances);
+}
+
+bool Operation::isElsewhere() const {
+    return Random(detail ^ 3U).chance(0.15);
+}
+
 ProfileId Operation::id() const {
     Random random(detail ^ 1U);
     const auto technology = random.chance(0.3) ? Technology::ThreeGpp2 : Technology::ThreeGpp;
@@ -191,9 +199,12 @@ std::string Operation::line() const {
             [[fallthrough]];
         case Kind::ForeignDelete:
             return text + " " +
-                   (kind == Kind::ForeignCreate ? toString(id().technology) : id().text());
+                   (kind == Kind::ForeignCreate ? toString(id().technology) : id().text()) +
+                   (isElsewhere() ? " of another instance" : "");
         case Kind::SetFault:
             return text + " " + describe(rule());
+        case Kind::Init:
+            return text + " on instance " + std::to_string(instance());
         default:
             return text;
     }

@@ -58,6 +58,10 @@ struct Operation {
     vela::AddProfileParams addParams() const;
     vela::ProfileParams params() const;
     vela::FilterProfileParams filter() const;
+    /** The instance of the modem that the library is started on. */
+    int instance() const;
+    /** Someone else changes an instance that the library was not started on. */
+    bool isElsewhere() const;
     /** A profile that the modem may have. */
     ProfileId id() const;
     velasim::Settings settings() const;
