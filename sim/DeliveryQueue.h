@@ -35,7 +35,7 @@ class DeliveryQueue {
     enum class Place {
         Last,
         BeforeOthersOfReceiver,
-        First  // of all, but only by deliver()
+        First  // of all; waits for deliver(), so that several are queued before one is made
     };
 
     DeliveryQueue(Journal& journal, DeliveryMode mode);
