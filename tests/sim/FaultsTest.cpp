@@ -82,6 +82,22 @@ TEST(FaultsTest, OrderAmongWaitingIndicationsAndWhatIsHeldBack) {
     EXPECT_EQ(client.take(), "ProfileReady 3GPP:0 ");
 }
 
+// Otherwise the journal of a run would depend on how fast the delivering thread is.
+TEST(FaultsTest, EarlyIndicationsAreAllQueuedBeforeOneIsDelivered) {
+    Simulator simulator({.delivery = DeliveryMode::Stepped});
+    SimClient client;
+    simulator.faults().add({.fault = Fault::IndicationBeforeResponse, .count = 0});
+    simulator.faults().add({.fault = Fault::DuplicateIndication, .count = 0, .value = 999});
+    client.create(k3gpp, {});
+    std::string order;
+    for (const auto& entry : simulator.journal().snapshot()) {
+        order += entry.kind == JournalKind::IndicationQueued      ? "q"
+                 : entry.kind == JournalKind::IndicationDelivered ? "d"
+                                                                  : "";
+    }
+    EXPECT_EQ(order, std::string(2000, 'q') + std::string(2000, 'd'));
+}
+
 TEST(FaultsTest, RulesCountOccurrences) {
     struct Case {
         FaultRule rule;
