@@ -10,7 +10,6 @@
 #include <string>
 #include <vector>
 
-#include "LibraryDump.h"
 #include "Model.h"
 #include "Operation.h"
 #include "vela/Manager.h"
@@ -89,7 +88,6 @@ class Driver {
 
     std::vector<KeyRing::Call> calls;  // of listeners, on the worker while this thread waits for it
     int nextListener = 0;
-    std::uint64_t firstToken = 0;
     Outcome outcome;
 };
 

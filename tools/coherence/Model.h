@@ -33,8 +33,8 @@ class Model {
 
     /** What is to be predicted next, and the listeners that ran meanwhile, in order. */
     void witness(const std::vector<velasim::JournalEntry>& entries, std::vector<KeyRing::Call> ran);
-    /** In which order the library last showed its entries. */
-    void noteMapOrder(std::vector<std::uint64_t> tokens) { cache.noteMapOrder(std::move(tokens)); }
+    /** See ModelCache. */
+    void startTokensAt(std::uint64_t token) { cache.startTokensAt(token); }
     /** Fails when more happened than was predicted. */
     void finish();
 

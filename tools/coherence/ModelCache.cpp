@@ -105,6 +105,7 @@ std::vector<ModelCache::Named> ModelCache::filter(const vela::FilterProfileParam
             found.emplace_back(token, cached->id);
         }
     }
+    std::sort(found.begin(), found.end());
     return found;
 }
 
@@ -199,7 +200,7 @@ const ModelCache::Entry* ModelCache::find(std::uint64_t token) const {
 
 std::vector<std::string> ModelCache::dump() const {
     std::vector<std::string> lines{"Cache:"};
-    for (const auto& [token, cached] : cache) {
+    for (const auto& [token, cached] : std::map(cache.begin(), cache.end())) {
         lines.push_back("  " + std::to_string(token) + ": " +
                         (cached ? cached->image.text(cached->id) : "null"));
     }
@@ -317,11 +318,6 @@ std::vector<std::uint64_t> ModelCache::tokensOf(ProfileId id) const {
             tokens.push_back(token);
         }
     }
-    const auto place = [&](auto token) {  // a new entry comes first
-        return std::find(mapOrder.rbegin(), mapOrder.rend(), token) - mapOrder.rend();
-    };
-    std::sort(tokens.begin(), tokens.end(),
-              [&](auto left, auto right) { return place(left) > place(right); });
     return tokens;
 }
 

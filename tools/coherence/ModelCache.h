@@ -7,6 +7,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -39,9 +40,8 @@ class ModelCache {
     ModelCache(ModelModem& modem, Exceptions& exceptions, KeyRing& keys)
         : modem(modem), exceptions(exceptions), keys(keys) {}
 
-    /** In which order the library last showed its entries; which of several failing reads hits
-     * which of two entries of one profile depends on it. */
-    void noteMapOrder(std::vector<std::uint64_t> tokens) { mapOrder = std::move(tokens); }
+    /** The library's counter of tokens stands at `token`. Only while nothing is remembered. */
+    void startTokensAt(std::uint64_t token) { nextToken = token; }
 
     // ---- operations through keys; results as the library's
 
@@ -97,9 +97,10 @@ class ModelCache {
     Exceptions& exceptions;
     KeyRing& keys;
 
-    std::map<std::uint64_t, Cached> cache;
+    // The library's kind of map, with the same done to it in the same order: which of several reads
+    // fills which of two entries of one profile depends on the order in which it is walked.
+    std::unordered_map<std::uint64_t, Cached> cache;
     std::list<Arrival::Change> pending;
-    std::vector<std::uint64_t> mapOrder;  // in which the library walks its cache
     std::uint64_t nextToken = 0;
 };
 

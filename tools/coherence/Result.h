@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -43,6 +44,15 @@ std::string resultOf(Step step) {
     } else {
         return text(step());
     }
+}
+
+/** The library's dump, entries by token. */
+inline std::vector<std::string> withoutLog(std::vector<std::string> dump) {
+    dump.erase(std::find(dump.begin(), dump.end(), ""), dump.end());
+    std::sort(
+        dump.begin() + 1, std::find(dump.begin(), dump.end(), "Pending:"),
+        [](const auto& left, const auto& right) { return std::stoull(left) < std::stoull(right); });
+    return dump;
 }
 
 }  // namespace coherence
