@@ -10,14 +10,12 @@
 namespace {
 
 /** Makes the callbacks that wait, and those that come of them. The library works on them on a
- * thread of its own: it has done so when it has answered a few times. */
+ * thread of its own, which makes a whole pass between two dumps. */
 void settle(velasim::Simulator& modem, vela::Manager& radio) {
-    constexpr int kAnswers = 3;
     do {
         modem.deliverAll();
-        for (int i = 0; i < kAnswers; ++i) {
-            radio.getProfile(nullptr);
-        }
+        radio.dump();
+        radio.dump();
     } while (modem.pendingDeliveries() != 0);
 }
 

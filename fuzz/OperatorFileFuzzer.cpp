@@ -7,18 +7,17 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "OperatorFile.h"
-#include "ToolError.h"
+#include "operators/OperatorFile.h"
+#include "profiles/ToolError.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(data, data + size);
     try {
         const auto file = velactl::OperatorFile::parse(text, "input");
-        std::size_t entries = file.strays().size();
-        for (const velactl::Operator& oper : file.operators()) {
-            entries += oper.entries.size();
-        }
-        if (entries != file.entries().size()) {
+        std::size_t entries = 0;
+        file.forEachStray([&](const velactl::OperatorEntry&) { ++entries; });
+        file.forEach([&](const velactl::Operator& oper) { entries += oper.entries.size(); });
+        if (entries != file.entryCount()) {
             std::abort();  // an entry was dropped
         }
     } catch (const velactl::ToolError&) {

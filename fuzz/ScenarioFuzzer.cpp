@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "ToolError.h"
+#include "profiles/ToolError.h"
 #include "scenario/Scenario.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

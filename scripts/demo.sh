@@ -13,12 +13,19 @@ if [[ $# -lt 2 ]]; then
     exit 2
 fi
 readonly velactl=$1 operators=$2 plmn=${3:-302720}
+readonly scenarios=${BASH_SOURCE[0]%/*}/../examples/scenarios
 
 directory=$(mktemp -d)
 trap 'rm -rf "$directory"' EXIT
 readonly modem=$directory/modem.json
 
-chapter() { printf '\n\033[1m%s\033[0m\n' "$1"; }
+bold='' plain=''
+if [[ -t 1 && -z ${NO_COLOR:-} ]]; then
+    bold=$'\033[1m' plain=$'\033[0m'
+fi
+readonly bold plain
+
+chapter() { printf '\n%s%s%s\n' "$bold" "$1" "$plain"; }
 explain() { printf '%s\n' "$@" ''; }
 run() {
     printf '$ velactl %s\n' "$*"
@@ -26,7 +33,7 @@ run() {
 }
 
 # Switched on for the first time: creates the file.
-"$velactl" --modem "$modem" list >/dev/null 2>&1
+"$velactl" --modem "$modem" --capacity 16 list >/dev/null 2>&1
 
 chapter "1. A new modem gets the settings of operator $plmn"
 explain "Each of the operator's entries gets a profile in the modem or shares one, and there is one that" \
@@ -37,9 +44,9 @@ chapter "2. The same again: nothing is left to do"
 run provision --apns "$operators" --plmn "$plmn" | grep -E '^(\$|Nothing changed|Library)'
 
 chapter "3. The library keeps in step with the modem"
-explain "It changes a profile; somebody else changes one behind its back; the modem restarts. Each" \
-    "time the library's view is compared with the modem's own table."
-run demo
+explain "It creates and changes a profile; somebody else changes it behind its back; the modem restarts." \
+    "Each time the library's view is compared with the modem's own table."
+run run "$scenarios/demo.scn"
 
 chapter "4. LTE attach"
 explain "The policy looks for the profile that fits best, gives it the settings of the operator, and" \

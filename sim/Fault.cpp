@@ -5,51 +5,53 @@
 #include <wds_service_v01.h>
 
 #include <algorithm>
-#include <array>
 
 namespace velasim {
 
 namespace {
 
 struct FaultInfo {
-    Fault fault;
     std::string_view name;
-    FaultPoint point;
+    FaultPoint point = FaultPoint::Request;
 };
 
-constexpr std::array<FaultInfo, 22> kFaults = {{
-    {Fault::SendFailure, "send-failure", FaultPoint::Request},
-    {Fault::Timeout, "time-out", FaultPoint::Request},
-    {Fault::TimeoutAfterEffect, "time-out-after-effect", FaultPoint::Request},
-    {Fault::Refuse, "refuse", FaultPoint::Request},
-    {Fault::TableFull, "table-full", FaultPoint::Request},
-    {Fault::RestartBeforeEffect, "restart-before-effect", FaultPoint::Request},
-    {Fault::RestartAfterEffect, "restart-after-effect", FaultPoint::Request},
-    {Fault::RestartAfterResponse, "restart-after-response", FaultPoint::Request},
-    {Fault::UnterminatedText, "unterminated-text", FaultPoint::Request},
-    {Fault::ListOverrun, "list-overrun", FaultPoint::Request},
-    {Fault::GarbageEnumerators, "garbage-enumerators", FaultPoint::Request},
-    {Fault::LoseIndication, "lose-indication", FaultPoint::Indication},
-    {Fault::DelayIndication, "delay-indication", FaultPoint::Indication},
-    {Fault::DuplicateIndication, "duplicate-indication", FaultPoint::Indication},
-    {Fault::ReorderIndication, "reorder-indication", FaultPoint::Indication},
-    {Fault::IndicationBeforeResponse, "indication-before-response", FaultPoint::Indication},
-    {Fault::TruncateIndication, "truncate-indication", FaultPoint::Indication},
-    {Fault::CorruptIndication, "corrupt-indication", FaultPoint::Indication},
-    {Fault::NotifierInitFailure, "notifier-init-failure", FaultPoint::Connect},
-    {Fault::NoServiceInstance, "no-service-instance", FaultPoint::Connect},
-    {Fault::ClientInitFailure, "client-init-failure", FaultPoint::Connect},
-    {Fault::ErrorCallbackFailure, "error-callback-failure", FaultPoint::Connect},
-}};
+/** Nameless for what is no fault. A fault without a line here does not compile. */
+constexpr FaultInfo infoOf(Fault fault) {
+    using enum Fault;
+    using enum FaultPoint;
+    // clang-format off
+    switch (fault) {
+        case SendFailure: return {"send-failure", Request};
+        case Timeout: return {"time-out", Request};
+        case TimeoutAfterEffect: return {"time-out-after-effect", Request};
+        case Refuse: return {"refuse", Request};
+        case TableFull: return {"table-full", Request};
+        case RestartBeforeEffect: return {"restart-before-effect", Request};
+        case RestartAfterEffect: return {"restart-after-effect", Request};
+        case RestartAfterResponse: return {"restart-after-response", Request};
+        case UnterminatedText: return {"unterminated-text", Request};
+        case ListOverrun: return {"list-overrun", Request};
+        case GarbageEnumerators: return {"garbage-enumerators", Request};
+        case LoseIndication: return {"lose-indication", Indication};
+        case DelayIndication: return {"delay-indication", Indication};
+        case DuplicateIndication: return {"duplicate-indication", Indication};
+        case ReorderIndication: return {"reorder-indication", Indication};
+        case IndicationBeforeResponse: return {"indication-before-response", Indication};
+        case TruncateIndication: return {"truncate-indication", Indication};
+        case CorruptIndication: return {"corrupt-indication", Indication};
+        case NotifierInitFailure: return {"notifier-init-failure", Connect};
+        case NoServiceInstance: return {"no-service-instance", Connect};
+        case ClientInitFailure: return {"client-init-failure", Connect};
+        case ErrorCallbackFailure: return {"error-callback-failure", Connect};
+    }
+    // clang-format on
+    return {};
+}
 
 bool isChange(std::uint32_t messageId) {
     return messageId == RLINK_WDS_CREATE_PROFILE_REQ_V01 ||
            messageId == RLINK_WDS_MODIFY_PROFILE_SETTINGS_REQ_V01 ||
            messageId == RLINK_WDS_DELETE_PROFILE_REQ_V01;
-}
-
-const FaultInfo& infoOf(Fault fault) {
-    return kFaults.at(static_cast<std::size_t>(fault));
 }
 
 }  // namespace
@@ -63,16 +65,16 @@ std::string toString(Fault fault) {
 }
 
 std::optional<Fault> faultNamed(std::string_view name) {
-    const auto* found = std::find_if(kFaults.begin(), kFaults.end(),
-                                     [&](const FaultInfo& info) { return info.name == name; });
-    return found == kFaults.end() ? std::nullopt : std::optional(found->fault);
+    const auto faults = allFaults();
+    const auto found = std::find_if(faults.begin(), faults.end(),
+                                    [&](Fault fault) { return infoOf(fault).name == name; });
+    return found == faults.end() ? std::nullopt : std::optional(*found);
 }
 
 std::vector<Fault> allFaults() {
     std::vector<Fault> faults;
-    faults.reserve(kFaults.size());
-    for (const auto& info : kFaults) {
-        faults.push_back(info.fault);
+    for (int number = 0; !infoOf(static_cast<Fault>(number)).name.empty(); ++number) {
+        faults.push_back(static_cast<Fault>(number));
     }
     return faults;
 }

@@ -2,27 +2,30 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "velasim/JournalEntry.h"
 
-#include <array>
-
 namespace velasim {
 
 std::string toString(JournalKind kind) {
-    static constexpr std::array<const char*, 15> kTexts = {"notifier created",
-                                                           "client connected",
-                                                           "released",
-                                                           "request",
-                                                           "response",
-                                                           "indication queued",
-                                                           "indication delivered",
-                                                           "indication dropped",
-                                                           "notify delivered",
-                                                           "error delivered",
-                                                           "service up",
-                                                           "service down",
-                                                           "power cycle",
-                                                           "foreign change",
-                                                           "fault"};
-    return kTexts.at(static_cast<std::size_t>(kind));
+    using enum JournalKind;
+    // clang-format off
+    switch (kind) {
+        case NotifierCreated: return "notifier created";
+        case ClientConnected: return "client connected";
+        case Released: return "released";
+        case Request: return "request";
+        case Response: return "response";
+        case IndicationQueued: return "indication queued";
+        case IndicationDelivered: return "indication delivered";
+        case IndicationDropped: return "indication dropped";
+        case NotifyDelivered: return "notify delivered";
+        case ErrorDelivered: return "error delivered";
+        case ServiceUp: return "service up";
+        case ServiceDown: return "service down";
+        case PowerCycle: return "power cycle";
+        case ForeignChange: return "foreign change";
+        case FaultInjected: return "fault";
+    }
+    // clang-format on
+    return "kind " + std::to_string(static_cast<int>(kind));
 }
 
 std::string JournalEntry::line() const {

@@ -20,19 +20,43 @@ std::string toString(Technology value) {
 }
 
 std::string toString(ModemError value) {
-    static constexpr std::array<const char*, 7> kTexts = {
-        "no error",         "unknown profile type", "unknown profile", "table full",
-        "unknown instance", "malformed request",    "internal"};
-    const auto number = static_cast<std::uint32_t>(value);
-    return number < kTexts.size() ? kTexts[number] : std::to_string(number);
+    using enum ModemError;
+    switch (value) {
+        case None:
+            return "no error";
+        case UnknownProfileType:
+            return "unknown profile type";
+        case UnknownProfile:
+            return "unknown profile";
+        case TableFull:
+            return "table full";
+        case UnknownInstance:
+            return "unknown instance";
+        case Malformed:
+            return "malformed request";
+        case Internal:
+            return "internal";
+    }
+    return std::to_string(static_cast<std::uint32_t>(value));
 }
 
 std::string toString(ChangeEvent value) {
-    static constexpr std::array<const char*, 6> kTexts = {
-        "None", "Create", "Delete", "Modify", "SubscriptionChange", "ProfileReady"};
-    const auto number = static_cast<std::uint32_t>(value);
-    return number < kTexts.size() ? kTexts[number]
-                                  : std::to_string(static_cast<std::int32_t>(value));
+    using enum ChangeEvent;
+    switch (value) {
+        case None:
+            return "None";
+        case Create:
+            return "Create";
+        case Delete:
+            return "Delete";
+        case Modify:
+            return "Modify";
+        case SubscriptionChange:
+            return "SubscriptionChange";
+        case ProfileReady:
+            return "ProfileReady";
+    }
+    return std::to_string(static_cast<std::int32_t>(value));
 }
 
 std::string messageName(std::uint32_t messageId) {

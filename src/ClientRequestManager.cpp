@@ -3,11 +3,14 @@
 #include "ClientRequestManager.h"
 
 #include <cerrno>
+#include <chrono>
+#include <cstdlib>
 #include <cstring>
 #include <system_error>
 #include <utility>
 
 #include "LogWrapper.h"
+#include "Observation.h"
 #include "ProfileKey.h"
 
 namespace vela {
@@ -17,6 +20,11 @@ namespace {
 Status toStatus(bool success) {
     return success ? Status::Success : Status::Failure;
 }
+
+thread_local bool isWorker = false;
+
+/** How long a dump waits for the worker. */
+constexpr auto kDumpPatience = std::chrono::seconds(3);
 
 /** The library's own key behind a client's; empty for none and for a foreign one. */
 std::shared_ptr<ProfileKey> toProfileKey(const std::shared_ptr<IProfileKey>& key) {
@@ -29,9 +37,11 @@ std::shared_ptr<ProfileKey> toProfileKey(const std::shared_ptr<IProfileKey>& key
 
 ClientRequestManager::ClientRequestManager(int instance)
     : gate([this] { eventManager.wake(); }),
-      line(std::make_shared<RequestLine>([this](std::shared_ptr<ClientRequest> request) {
-          return processClientRequest(std::move(request));
-      })),
+      line(std::make_shared<RequestLine>(
+          [this](std::shared_ptr<ClientRequest> request) {
+              return processClientRequest(std::move(request));
+          },
+          [this] { return dump(); })),
       cache(eventManager, instance, [line = line](std::shared_ptr<ClientRequest> request) {
           return line->post(std::move(request));
       }) {
@@ -39,7 +49,10 @@ ClientRequestManager::ClientRequestManager(int instance)
     const WorkerGate::Hold hold(gate);
     startWorker();
     requestFd.emplace();
-    eventManager.addEventHandler(requestFd->get(), handleClientRequest, this, nullptr, EPOLLIN);
+    if (!eventManager.addEventHandler(requestFd->get(), handleClientRequest, this, nullptr,
+                                      EPOLLIN)) {
+        std::abort();  // which has been logged; nobody would ever be answered
+    }
 }
 
 ClientRequestManager::~ClientRequestManager() {
@@ -76,14 +89,21 @@ void ClientRequestManager::stopWorker() {
 }
 
 void ClientRequestManager::runVelaThread() {
+    isWorker = true;
     workerId = std::this_thread::get_id();
+    cache.assumeWorker();
     log(LogLevel::Notice, "VELA thread started");
     running = true;
     while (running) {
         gate.pass();
+        activity.beginPass();
         eventManager.processEvents();
         runDeferredReleases();
     }
+}
+
+bool ClientRequestManager::isOnWorker() {
+    return isWorker;
 }
 
 bool ClientRequestManager::isWorkerThread() const {
@@ -94,19 +114,36 @@ std::vector<std::string> ClientRequestManager::dump() {
     if (isWorkerThread()) {
         return cache.dump();
     }
-    const WorkerGate::Hold hold(gate);
-    return cache.dump();
+    const WorkerGate::Hold hold(gate, std::chrono::steady_clock::now() + kDumpPatience);
+    if (hold) {
+        return cache.dump();
+    }
+    return {"Cache:", "  " + activity.dump(cache.messageUnderWay())};
 }
 
 // --- Calling threads
 
 std::shared_ptr<ClientResponse> ClientRequestManager::processClientRequest(
     std::shared_ptr<ClientRequest> request) {
+    if (!request || !isObserved()) {
+        return carryOut(request);
+    }
+    tellObserver([&](Observer& observer) { observer.onRequest(*request); });
+    const auto begin = std::chrono::steady_clock::now();
+    auto response = carryOut(request);
+    const auto duration = std::chrono::steady_clock::now() - begin;
+    tellObserver(
+        [&](Observer& observer) { observer.onResponse(*request, response.get(), duration); });
+    return response;
+}
+
+std::shared_ptr<ClientResponse> ClientRequestManager::carryOut(
+    const std::shared_ptr<ClientRequest>& request) {
     if (isWorkerThread()) {
         return processOnWorker(request);
     }
-    const std::lock_guard turn(callersMutex);
-    std::unique_lock lock(requestMutex);
+    const MutexLock turn(callersMutex);
+    MutexLock lock(requestMutex);
     // Signalled before the request is stored: the worker needs the mutex to look at the slot.
     ssize_t written = 0;
     if (!requestFd->signal(written)) {
@@ -115,7 +152,9 @@ std::shared_ptr<ClientResponse> ClientRequestManager::processClientRequest(
         return nullptr;
     }
     requestSlot = request;
-    responseReady.wait(lock, [this] { return responseSlot || !requestSlot; });
+    while (!responseSlot && requestSlot) {
+        responseReady.wait(lock);
+    }
     return std::exchange(responseSlot, nullptr);
 }
 
@@ -146,16 +185,19 @@ void ClientRequestManager::handleClientRequest(int fd, void* arg) {
 }
 
 void ClientRequestManager::handlePostedRequest() {
-    const std::lock_guard lock(requestMutex);
+    const MutexLock lock(requestMutex);
     if (requestSlot) {
         log(LogLevel::Info, "Handling %s", requestSlot->dump().c_str());
+        cache.serve(requestSlot.get());
+        activity.beginRequest(requestSlot->getRequestType());
         if (auto response = dispatch(*requestSlot)) {
             responseSlot = std::move(response);
         }
+        cache.serve(nullptr);
         runDeferredReleases();
         requestSlot.reset();
     }
-    responseReady.notify_one();
+    responseReady.notifyOne();
 }
 
 /** Carries out the releases of keys that were dropped on this thread, in their order. */
@@ -164,7 +206,9 @@ void ClientRequestManager::runDeferredReleases() {
         const std::shared_ptr<ClientRequest> release = deferredReleases.front();
         deferredReleases.pop_front();
         log(LogLevel::Info, "Handling %s", release->dump().c_str());
+        cache.serve(release.get());
         callBack(*release);
+        cache.serve(nullptr);
     }
 }
 

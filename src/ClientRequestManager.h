@@ -3,10 +3,8 @@
 #pragma once
 
 #include <atomic>
-#include <condition_variable>
 #include <list>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
@@ -14,8 +12,11 @@
 
 #include "EventFd.h"
 #include "EventManager.h"
+#include "ForkedChild.h"
+#include "Mutex.h"
 #include "ProfileCache.h"
 #include "RequestLine.h"
+#include "WorkerActivity.h"
 #include "WorkerGate.h"
 #include "vela/Requests.h"
 #include "vela/Responses.h"
@@ -55,11 +56,18 @@ class ClientRequestManager {
      */
     std::shared_ptr<ClientResponse> processClientRequest(std::shared_ptr<ClientRequest> request);
 
-    /** The cache's dump. Any thread. */
+    /** The cache's dump; within some seconds, also when the worker is stuck: then with what, and
+     * for how long. Any thread. */
     std::vector<std::string> dump();
 
     /** Whether the calling thread is the worker. */
     bool isWorkerThread() const;
+
+    /** Whether the calling thread is that of any pipeline. */
+    static bool isOnWorker();
+
+    /** The way in that is closed before this object goes. */
+    const std::shared_ptr<RequestLine>& getLine() const { return line; }
 
   private:
     void runVelaThread();
@@ -69,6 +77,7 @@ class ClientRequestManager {
     static void handleClientRequest(int fd, void* arg);
     void handlePostedRequest();
     void runDeferredReleases();
+    std::shared_ptr<ClientResponse> carryOut(const std::shared_ptr<ClientRequest>& request);
     std::shared_ptr<ClientResponse> processOnWorker(const std::shared_ptr<ClientRequest>& request);
 
     std::shared_ptr<ClientResponse> dispatch(ClientRequest& request);
@@ -84,19 +93,22 @@ class ClientRequestManager {
     template <typename Request>
     Request* admit(ClientRequest& request) const;
 
-    std::mutex callersMutex;  // before the slot: one caller at a time
+    Mutex requestMutex;
+    // Before the slot: one caller at a time.
+    Mutex callersMutex VELA_ACQUIRED_BEFORE(requestMutex);
 
-    std::shared_ptr<ClientRequest> requestSlot;    // guarded by requestMutex
-    std::shared_ptr<ClientResponse> responseSlot;  // guarded by requestMutex
-    std::mutex requestMutex;
-    std::condition_variable responseReady;
+    std::shared_ptr<ClientRequest> requestSlot VELA_GUARDED_BY(requestMutex);
+    std::shared_ptr<ClientResponse> responseSlot VELA_GUARDED_BY(requestMutex);
+    Condition responseReady;
 
+    const ForkGuard forkGuard;
     std::thread worker;
     std::atomic<std::thread::id> workerId{};
     std::atomic<bool> running{false};
 
     std::optional<EventFd> requestFd;
     EventManager eventManager;
+    WorkerActivity activity;
     WorkerGate gate;
     std::shared_ptr<RequestLine> line;  // shared with every key
     ProfileCache cache;                 // worker thread

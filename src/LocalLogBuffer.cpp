@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdio>
 #include <ctime>
+#include <new>
 #include <utility>
 
 namespace vela {
@@ -32,8 +33,11 @@ std::string currentTime() {
 }  // namespace
 
 LocalLogBuffer& LocalLogBuffer::getInstance() {
-    static LocalLogBuffer instance("VELA", kProcessBufferSize);
-    return instance;
+    // Never destroyed: threads that outlive main() may still ask for a dump.
+    alignas(LocalLogBuffer) static std::array<std::byte, sizeof(LocalLogBuffer)> storage;
+    static LocalLogBuffer* const instance =
+        new (storage.data()) LocalLogBuffer("VELA", kProcessBufferSize);
+    return *instance;
 }
 
 LocalLogBuffer::LocalLogBuffer(std::string name, int maxSize)
@@ -41,7 +45,7 @@ LocalLogBuffer::LocalLogBuffer(std::string name, int maxSize)
 
 void LocalLogBuffer::addLogWithTimestamp(std::string message) {
     std::string line = "    " + currentTime() + " [" + name + "]" + message;
-    const std::lock_guard guard(lock);
+    const MutexLock guard(lock);
     // Trimming before the append leaves one line more than maxSize, intentionally.
     while (logs.size() > maxSize) {
         logs.pop_front();
@@ -50,12 +54,12 @@ void LocalLogBuffer::addLogWithTimestamp(std::string message) {
 }
 
 std::vector<std::string> LocalLogBuffer::getLogs() {
-    const std::lock_guard guard(lock);
+    const MutexLock guard(lock);
     return {logs.begin(), logs.end()};
 }
 
 void LocalLogBuffer::flush() {
-    const std::lock_guard guard(lock);
+    const MutexLock guard(lock);
     logs.clear();
 }
 

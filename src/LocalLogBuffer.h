@@ -4,9 +4,10 @@
 
 #include <cstddef>
 #include <deque>
-#include <mutex>
 #include <string>
 #include <vector>
+
+#include "Mutex.h"
 
 namespace vela {
 
@@ -33,10 +34,10 @@ class LocalLogBuffer {
     std::string getName() { return name; }
 
   private:
-    std::deque<std::string> logs;
     const std::string name;
     const std::size_t maxSize;
-    std::mutex lock;  // guards logs
+    Mutex lock;
+    std::deque<std::string> logs VELA_GUARDED_BY(lock);
 };
 
 }  // namespace vela

@@ -7,6 +7,7 @@
 #include <new>
 #include <utility>
 
+#include "ForkedChild.h"
 #include "LocalLogBuffer.h"
 
 namespace vela {
@@ -54,7 +55,10 @@ void LogWrapper::logText(LogLevel level, const char* tag, const std::string& mes
 }
 
 void LogWrapper::deliver(LogLevel level, const char* tag, const std::string& message) {
-    const std::shared_lock lock(writerMutex);
+    if (isForkedChild()) {
+        return;
+    }
+    const SharedLock lock(writerMutex);
     if (closed) {
         return;
     }
@@ -67,16 +71,22 @@ void LogWrapper::deliver(LogLevel level, const char* tag, const std::string& mes
 }
 
 void LogWrapper::setLogWriter(std::unique_ptr<LogWriter> newWriter) {
+    if (isForkedChild()) {
+        return;
+    }
     {
-        const std::unique_lock lock(writerMutex);
+        const ExclusiveLock lock(writerMutex);
         writer.swap(newWriter);
     }
     newWriter.reset();
 }
 
 void LogWrapper::close() {
+    if (isForkedChild()) {
+        return;
+    }
     {
-        const std::unique_lock lock(writerMutex);
+        const ExclusiveLock lock(writerMutex);
         closed = true;
     }
     setLogWriter(nullptr);

@@ -4,10 +4,10 @@
 
 #include <cstdarg>
 #include <memory>
-#include <shared_mutex>
 #include <string>
 
 #include "LogWriter.h"
+#include "Mutex.h"
 
 namespace vela {
 
@@ -51,9 +51,9 @@ class LogWrapper {
     void close();
 
     // Shared by lines, so that they do not wait for one another; exclusive for a change of writer.
-    std::shared_mutex writerMutex;
-    std::unique_ptr<LogWriter> writer;
-    bool closed = false;
+    SharedMutex writerMutex;
+    std::unique_ptr<LogWriter> writer VELA_GUARDED_BY(writerMutex);
+    bool closed VELA_GUARDED_BY(writerMutex) = false;
 };
 
 /** Logs a printf-style message under the library's own tag. */

@@ -2,14 +2,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "vela/Manager.h"
 
+#include <array>
 #include <iterator>
+#include <new>
 #include <utility>
 
 #include "AdbWriter.h"
 #include "ClientRequestManager.h"
 #include "DiagWriter.h"
+#include "ForkedChild.h"
 #include "LocalLogBuffer.h"
 #include "LogWrapper.h"
+#include "Mutex.h"
+#include "RequestLine.h"
 #include "vela/Responses.h"
 
 namespace vela {
@@ -25,42 +30,104 @@ std::unique_ptr<LogWriter> makeLogWriter(bool useAdb) {
 
 }  // namespace
 
+/** One pipeline after the other, and the way to the latest. */
+struct Manager::State {
+    Mutex changes VELA_ACQUIRED_BEFORE(mutex);  // init() and close() take turns
+    std::unique_ptr<ClientRequestManager> pipeline VELA_GUARDED_BY(changes);
+    bool isClosed VELA_GUARDED_BY(changes) = false;
+
+    Mutex mutex;
+    std::shared_ptr<RequestLine> line VELA_GUARDED_BY(mutex);
+
+    void setLine(std::shared_ptr<RequestLine> next) {
+        const MutexLock lock(mutex);
+        line.swap(next);
+    }
+};
+
+/** Closes the process-wide manager when the process ends. */
+class Manager::AtExit {
+  public:
+    explicit AtExit(Manager& manager) : manager(manager) {}
+    AtExit(const AtExit&) = delete;
+    AtExit& operator=(const AtExit&) = delete;
+    ~AtExit() { manager.close(); }
+
+  private:
+    Manager& manager;
+};
+
 Manager& Manager::getInstance() {
-    static Manager instance;
-    return instance;
+    // Never destroyed: threads that outlive main() may be inside, or come.
+    alignas(Manager) static std::array<std::byte, sizeof(Manager)> storage;
+    static Manager* const instance = new (storage.data()) Manager;
+    static const AtExit atExit(*instance);
+    return *instance;
 }
 
-Manager::Manager() {
+Manager::Manager() : state(new State) {
     log(LogLevel::Debug, "vela::Manager: constructor");
 }
 
 Manager::~Manager() {
-    if (!requestManager) {
-        return;
+    if (close()) {
+        delete state;
     }
-    if (requestManager->isWorkerThread()) {
-        // A listener ends the process: the worker cannot wait for itself, and all goes anyway.
-        static_cast<void>(requestManager.release());
-        return;
+}
+
+bool Manager::close() {
+    // In a forked child worker and modem are the parent's. On the worker a listener ends the
+    // process: it cannot wait for itself, and all goes anyway.
+    if (isForkedChild() || ClientRequestManager::isOnWorker()) {
+        return false;
     }
-    // Until it has stopped, listeners may call us. Those that run afterwards, while its cache dies,
-    // find the manager uninitialised.
-    requestManager->stop();
-    const auto dying = std::move(requestManager);
+    std::unique_ptr<ClientRequestManager> dying;
+    {
+        const MutexLock lock(state->changes);
+        state->isClosed = true;
+        dying = std::move(state->pipeline);
+    }
+    if (dying) {
+        // Until it has stopped, listeners may call us. Those that run afterwards, while its cache
+        // dies, find the manager uninitialised.
+        dying->stop();
+        state->setLine(nullptr);
+    }
+    return true;
 }
 
 void Manager::init(int instance, bool useAdb) {
-    if (requestManager && requestManager->isWorkerThread()) {
+    if (isForkedChild()) {
+        return;
+    }
+    if (ClientRequestManager::isOnWorker()) {
         log(LogLevel::Error, "Manager::init refused on the VELA thread");
         return;
     }
-    LogWrapper::getInstance().setLogWriter(makeLogWriter(useAdb));
-    log(LogLevel::Notice, "Manager::init(%d)", instance);
-    auto next = std::make_unique<ClientRequestManager>(instance);
-    if (requestManager) {
-        requestManager->stop();  // its listeners may call us until then
+    std::unique_ptr<ClientRequestManager> previous;
+    {
+        const MutexLock lock(state->changes);
+        if (state->isClosed) {
+            return;
+        }
+        LogWrapper::getInstance().setLogWriter(makeLogWriter(useAdb));
+        log(LogLevel::Notice, "Manager::init(%d)", instance);
+        auto next = std::make_unique<ClientRequestManager>(instance);
+        state->setLine(next->getLine());
+        previous = std::exchange(state->pipeline, std::move(next));
     }
-    requestManager = std::move(next);  // the previous one goes after the new one is in place
+    // The previous one goes after the new one is in place. Its listeners may call us meanwhile.
+    if (previous) {
+        previous->stop();
+    }
+}
+
+std::shared_ptr<RequestLine> Manager::connection() const {
+    if (isForkedChild()) {
+        return nullptr;
+    }
+    const MutexLock lock(state->mutex);
+    return state->line;
 }
 
 /** One round trip; empty, and logged, when no response of the expected class came back. */
@@ -68,7 +135,8 @@ template <typename Response>
 std::shared_ptr<Response> Manager::process(const char* operation, const char* castMessage,
                                            const std::shared_ptr<ClientRequest>& request) {
     log(LogLevel::Notice, "Manager::%s > %s", operation, request->dump().c_str());
-    const std::shared_ptr<ClientResponse> response = requestManager->processClientRequest(request);
+    const auto line = connection();
+    const std::shared_ptr<ClientResponse> response = line ? line->post(request) : nullptr;
     log(LogLevel::Notice, "Manager::%s < %s", operation, response ? response->dump().c_str() : "");
     auto expected = std::dynamic_pointer_cast<Response>(response);
     if (!expected) {
@@ -78,10 +146,11 @@ std::shared_ptr<Response> Manager::process(const char* operation, const char* ca
 }
 
 bool Manager::isInitialized() const {
-    if (!requestManager) {
+    const bool isConnected = connection() != nullptr;
+    if (!isConnected) {
         log(LogLevel::Error, "Manager not initialized!");
     }
-    return requestManager != nullptr;
+    return isConnected;
 }
 
 std::shared_ptr<IProfileKey> Manager::addProfile(const AddProfileParams& params) {
@@ -157,10 +226,13 @@ void Manager::refresh(PDCRefreshStatus status) {
 
 std::vector<std::string> Manager::dump() {
     std::vector<std::string> lines;
-    if (requestManager) {
-        lines = requestManager->dump();
+    if (const auto line = connection()) {
+        lines = line->dump();
     }
     lines.insert(lines.end(), {"", "Logs:"});
+    if (isForkedChild()) {
+        return lines;
+    }
     std::vector<std::string> logs = LocalLogBuffer::getInstance().getLogs();
     lines.insert(lines.end(), std::make_move_iterator(logs.begin()),
                  std::make_move_iterator(logs.end()));

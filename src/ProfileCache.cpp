@@ -8,6 +8,7 @@
 #include "LogWrapper.h"
 #include "Modem3gpp2Profile.h"
 #include "Modem3gppProfile.h"
+#include "Observation.h"
 #include "TokenGenerator.h"
 
 namespace vela {
@@ -46,13 +47,33 @@ ProfileCache::ProfileCache(EventManager& eventManager, int instance, RequestFn r
     proxy.registerProfileChangedInd([this](ProfileChangedInd ind) { onIndication(ind); });
 }
 
+void ProfileCache::assumeWorker() {
+    worker.assume();
+    proxy.assumeWorker();
+}
+
 unsigned long ProfileCache::generateToken() {
     return tokenGenerator.next();
+}
+
+void ProfileCache::serve(const ClientRequest* request) {
+    worker.check();
+    served = request;
+    proxy.serve(request);
+}
+
+/** Tells a search for the request at hand; `candidates` is called if somebody watches. */
+template <typename Candidates>
+void ProfileCache::tellSearch(Candidates candidates) const {
+    if (const ClientRequest* request = served) {
+        tellObserver([&](Observer& observer) { observer.onSearch(*request, candidates()); });
+    }
 }
 
 // --- Client operations
 
 std::shared_ptr<ProfileKey> ProfileCache::add(AddProfileParams& params) {
+    worker.check();
     const unsigned long token = generateToken();
     const std::shared_ptr<ModemProfile> profile = makeProfile(params);
     if (!profile) {
@@ -74,6 +95,7 @@ std::shared_ptr<ProfileKey> ProfileCache::add(AddProfileParams& params) {
 }
 
 bool ProfileCache::modify(ModifyProfileParams& params, std::shared_ptr<ProfileKey> key) {
+    worker.check();
     if (!key) {
         return false;
     }
@@ -102,6 +124,7 @@ bool ProfileCache::modify(ModifyProfileParams& params, std::shared_ptr<ProfileKe
 }
 
 bool ProfileCache::remove(std::shared_ptr<ProfileKey> key) {
+    worker.check();
     if (!key) {
         return false;
     }
@@ -124,12 +147,22 @@ bool ProfileCache::remove(std::shared_ptr<ProfileKey> key) {
 }
 
 std::optional<ProfileParams> ProfileCache::get(std::shared_ptr<ProfileKey> key) {
+    worker.check();
     const std::shared_ptr<ModemProfile> profile = findProfile(key);
     return profile ? std::optional<ProfileParams>(profile->get()) : std::nullopt;
 }
 
 std::list<std::shared_ptr<ProfileKey>> ProfileCache::filter(FilterProfileParams& params) {
+    worker.check();
     std::list<std::shared_ptr<ProfileKey>> keys;
+    tellSearch([&] {
+        worker.check();
+        std::vector<ProfileCandidate> candidates;
+        for (const auto& [token, profile] : profiles) {
+            candidates.push_back(candidateOf(token, profile, params));
+        }
+        return candidates;
+    });
     for (const auto& [token, profile] : profiles) {
         if (!profile) {
             log(LogLevel::Error, "ProfileCache: null profile");
@@ -142,11 +175,17 @@ std::list<std::shared_ptr<ProfileKey>> ProfileCache::filter(FilterProfileParams&
 }
 
 bool ProfileCache::match(FilterProfileParams& params, std::shared_ptr<ProfileKey> key) {
+    worker.check();
     const std::shared_ptr<ModemProfile> profile = findProfile(key);
+    tellSearch([&] {
+        return profile ? std::vector{candidateOf(key->getToken(), profile, params)}
+                       : std::vector<ProfileCandidate>();
+    });
     return profile && profile->match(params);
 }
 
 bool ProfileCache::releaseProfile(unsigned long token) {
+    worker.check();
     log(LogLevel::Notice, "ProfileCache: releaseProfile token=%lu", token);
     const auto entry = findLogged(token, LogLevel::Error);
     if (entry == profiles.end() || !entry->second) {
@@ -176,6 +215,7 @@ bool ProfileCache::releaseProfile(unsigned long token) {
 
 void ProfileCache::registerExpirationListener(std::function<void()> callback,
                                               std::weak_ptr<IProfileKey> key, unsigned long token) {
+    worker.check();
     log(LogLevel::Verbose, "ProfileCache: registerExpirationListener %lu", token);
     const auto entry = findLogged(token, LogLevel::Error);
     if (entry != profiles.end() && entry->second) {
@@ -186,13 +226,19 @@ void ProfileCache::registerExpirationListener(std::function<void()> callback,
 // --- The modem's side
 
 void ProfileCache::onIndication(ProfileChangedInd ind) {
+    worker.check();
     log(LogLevel::Notice, "ProfileCache: onIndication < %s", ind.dump().c_str());
-    if (confirm(ind)) {
+    const bool isConfirmation = confirm(ind);
+    if (isConfirmation) {
         log(LogLevel::Notice, "ProfileCache: pending transaction confirmed");
-        return;
+    } else {
+        log(LogLevel::Notice, "ProfileCache: updating cache due to indication!");
+        follow(ind);
     }
-    log(LogLevel::Notice, "ProfileCache: updating cache due to indication!");
-    follow(ind);
+    tellObserver([&](Observer& observer) {
+        observer.onIndication(
+            {ind, isConfirmation ? IndicationOutcome::Confirmed : IndicationOutcome::Followed});
+    });
 }
 
 bool ProfileCache::confirm(const ProfileChangedInd& ind) {
@@ -241,6 +287,7 @@ void ProfileCache::replace(const ProfileChangedInd& ind) {
 }
 
 bool ProfileCache::refresh() {
+    worker.check();
     // The old profiles die after the map is empty: their listeners never see half of it.
     Profiles().swap(profiles);
     for (const std::shared_ptr<ModemProfile>& profile : proxy.getAllProfiles()) {
@@ -254,6 +301,7 @@ bool ProfileCache::refresh() {
 }
 
 std::vector<std::string> ProfileCache::dump() const {
+    worker.standIn();
     std::vector<std::string> lines{"Cache:"};
     for (const auto& [token, profile] : profiles) {
         lines.push_back("  " + std::to_string(token) + ": " + profileText(profile));

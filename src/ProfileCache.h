@@ -13,9 +13,10 @@
 #include "EventManager.h"
 #include "LogWriter.h"
 #include "ModemProfile.h"
-#include "ProfileChangedInd.h"
 #include "ProfileKey.h"
 #include "RlinkWdsProxy.h"
+#include "WorkerRole.h"
+#include "vela/ProfileChangedInd.h"
 #include "vela/ProfileParams.h"
 
 namespace vela {
@@ -33,6 +34,12 @@ class ProfileCache {
     ProfileCache(EventManager& eventManager, int instance, RequestFn requestFn);
     ProfileCache(const ProfileCache&) = delete;
     ProfileCache& operator=(const ProfileCache&) = delete;
+
+    /** The calling thread is the worker from here on: the only one that may use the cache. */
+    void assumeWorker();
+
+    /** Names the request that the following operations serve, to observers; null: none. */
+    void serve(const ClientRequest* request);
 
     /** Creates a profile in the modem and caches it; an empty key on failure. */
     std::shared_ptr<ProfileKey> add(AddProfileParams& params);
@@ -74,25 +81,35 @@ class ProfileCache {
     /** The cached profiles and the expected indications, one per line. */
     std::vector<std::string> dump() const;
 
+    /** The number of the message to the modem that is under way; 0: none. Any thread. */
+    std::uint32_t messageUnderWay() const { return proxy.messageUnderWay(); }
+
     /** A process-wide number that was never handed out before. */
     static unsigned long generateToken();
 
   private:
     using Profiles = std::unordered_map<unsigned long, std::shared_ptr<ModemProfile>>;
 
-    Profiles::iterator findLogged(unsigned long token, LogLevel missLevel);
-    std::shared_ptr<ModemProfile> findProfile(const std::shared_ptr<ProfileKey>& key);
+    template <typename Candidates>
+    void tellSearch(Candidates candidates) const VELA_REQUIRES(worker);
+
+    Profiles::iterator findLogged(unsigned long token, LogLevel missLevel) VELA_REQUIRES(worker);
+    std::shared_ptr<ModemProfile> findProfile(const std::shared_ptr<ProfileKey>& key)
+        VELA_REQUIRES(worker);
     std::shared_ptr<ProfileKey> makeKey(const ModemProfile& profile, unsigned long token) const;
-    void expect(const ModemProfile& profile, ProfileChangedEvent event);
-    bool confirm(const ProfileChangedInd& ind);
-    void follow(const ProfileChangedInd& ind);
-    void erase(const ProfileChangedInd& ind);
-    void replace(const ProfileChangedInd& ind);
+    void expect(const ModemProfile& profile, ProfileChangedEvent event) VELA_REQUIRES(worker);
+    bool confirm(const ProfileChangedInd& ind) VELA_REQUIRES(worker);
+    void follow(const ProfileChangedInd& ind) VELA_REQUIRES(worker);
+    void erase(const ProfileChangedInd& ind) VELA_REQUIRES(worker);
+    void replace(const ProfileChangedInd& ind) VELA_REQUIRES(worker);
 
     const RequestFn requestFn;
+    WorkerRole worker;
+    const ClientRequest* served VELA_GUARDED_BY(worker) = nullptr;
     RlinkWdsProxy proxy;
-    Profiles profiles;
-    std::list<ProfileChangedInd> pending;  // indications that own changes will cause, oldest first
+    Profiles profiles VELA_GUARDED_BY(worker);
+    // Indications that own changes will cause, oldest first.
+    std::list<ProfileChangedInd> pending VELA_GUARDED_BY(worker);
 };
 
 }  // namespace vela

@@ -1,6 +1,6 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
-#include "ProfileChangedInd.h"
+#include "vela/ProfileChangedInd.h"
 
 #include <ostream>
 

@@ -4,34 +4,29 @@
 
 #include <utility>
 
+#include "ForkedChild.h"
+
 namespace vela {
 
-/** One request on its way; the line cannot be closed meanwhile. */
-class RequestLine::Passage {
-  public:
-    explicit Passage(RequestLine& line) : line(line) {
-        const std::lock_guard lock(line.mutex);
-        admitted = line.open;
-        line.underWay += admitted ? 1 : 0;
+RequestLine::Passage::Passage(RequestLine& line) : line(line) {
+    if (isForkedChild()) {
+        return;
     }
-    Passage(const Passage&) = delete;
-    Passage& operator=(const Passage&) = delete;
-    ~Passage() {
-        if (admitted) {
-            const std::lock_guard lock(line.mutex);
-            --line.underWay;
-            line.lastPostReturned.notify_all();
-        }
+    const MutexLock lock(line.mutex);
+    admitted = line.open;
+    line.underWay += admitted ? 1 : 0;
+}
+
+RequestLine::Passage::~Passage() {
+    if (admitted) {
+        const MutexLock lock(line.mutex);
+        --line.underWay;
+        line.lastPostReturned.notifyAll();
     }
+}
 
-    bool isAdmitted() const { return admitted; }
-
-  private:
-    RequestLine& line;
-    bool admitted = false;
-};
-
-RequestLine::RequestLine(RequestFn pipeline) : pipeline(std::move(pipeline)) {}
+RequestLine::RequestLine(RequestFn pipeline, DumpFn dumpPipeline)
+    : pipeline(std::move(pipeline)), dumpPipeline(std::move(dumpPipeline)) {}
 
 std::shared_ptr<ClientResponse> RequestLine::post(std::shared_ptr<ClientRequest> request) {
     const Passage passage(*this);
@@ -40,10 +35,17 @@ std::shared_ptr<ClientResponse> RequestLine::post(std::shared_ptr<ClientRequest>
     return passage.isAdmitted() ? pipeline(request) : nullptr;
 }
 
+std::vector<std::string> RequestLine::dump() {
+    const Passage passage(*this);
+    return passage.isAdmitted() ? dumpPipeline() : std::vector<std::string>();
+}
+
 void RequestLine::close() {
-    std::unique_lock lock(mutex);
+    MutexLock lock(mutex);
     open = false;
-    lastPostReturned.wait(lock, [this] { return underWay == 0; });
+    while (underWay != 0) {
+        lastPostReturned.wait(lock);
+    }
 }
 
 }  // namespace vela

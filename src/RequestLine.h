@@ -2,10 +2,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <condition_variable>
+#include <functional>
 #include <memory>
-#include <mutex>
+#include <string>
+#include <vector>
 
+#include "Mutex.h"
 #include "ProfileKey.h"
 
 namespace vela {
@@ -16,25 +18,45 @@ namespace vela {
  */
 class RequestLine {
   public:
-    explicit RequestLine(RequestFn pipeline);
+    using DumpFn = std::function<std::vector<std::string>()>;
+
+    explicit RequestLine(RequestFn pipeline, DumpFn dumpPipeline = {});
     RequestLine(const RequestLine&) = delete;
     RequestLine& operator=(const RequestLine&) = delete;
 
     /** Carries a request to the pipeline. Any thread. Empty once the line is closed. */
     std::shared_ptr<ClientResponse> post(std::shared_ptr<ClientRequest> request);
 
+    /** What the pipeline dumps. Any thread. Empty once the line is closed. */
+    std::vector<std::string> dump();
+
     /** Refuses further requests and waits until those under way have been answered. */
     void close();
 
+    /** Keeps the line from being closed while something is under way. */
+    class Passage {
+      public:
+        explicit Passage(RequestLine& line);
+        Passage(const Passage&) = delete;
+        Passage& operator=(const Passage&) = delete;
+        ~Passage();
+
+        /** False once the line is closed, and in a forked child. */
+        bool isAdmitted() const { return admitted; }
+
+      private:
+        RequestLine& line;
+        bool admitted = false;
+    };
+
   private:
-    class Passage;
-
     const RequestFn pipeline;
+    const DumpFn dumpPipeline;
 
-    std::mutex mutex;
-    std::condition_variable lastPostReturned;
-    bool open = true;  // guarded by mutex
-    int underWay = 0;  // guarded by mutex
+    Mutex mutex;
+    Condition lastPostReturned;
+    bool open VELA_GUARDED_BY(mutex) = true;
+    int underWay VELA_GUARDED_BY(mutex) = 0;
 };
 
 }  // namespace vela

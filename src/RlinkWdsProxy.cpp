@@ -12,12 +12,19 @@
 #include "Modem3gpp2Profile.h"
 #include "Modem3gppProfile.h"
 #include "ModemConversions.h"
+#include "Observation.h"
 
 namespace vela {
 
 namespace {
 
 constexpr unsigned int kRequestTimeoutMs = 1000;
+
+void tellUnreadable() {
+    tellObserver([](Observer& observer) {
+        observer.onIndication({{}, IndicationOutcome::Unreadable});
+    });
+}
 
 void drain(int fd) {
     if (!EventFd::drain(fd)) {
@@ -85,7 +92,9 @@ void RlinkWdsProxy::registerRlinkSvcUp() {
     }
     release(notifier);  // there is one already when the modem reports the same outage twice
     clear(osParams);
-    rlink_client_notifier_init(serviceObject, &osParams, &notifier);
+    if (rlink_client_notifier_init(serviceObject, &osParams, &notifier) != RLINK_NO_ERROR) {
+        notifier = nullptr;  // whatever it was set to names nothing that could be released
+    }
     rlink_client_register_notify_cb(notifier, rlinkNotifyCb, this);
 }
 
@@ -118,10 +127,12 @@ void RlinkWdsProxy::handleSvcUp(int fd, void* data) {
 }
 
 void RlinkWdsProxy::connect() {
+    worker.check();
     rlink_service_info service;
     clear(service);
     if (rlink_client_get_any_service(serviceObject, &service) != RLINK_NO_ERROR) {
         log(LogLevel::Error, "error get service.");
+        tellObserver([](Observer& observer) { observer.onService(ServiceState::ConnectFailed); });
         return;
     }
     release(notifier);  // one notifier serves one outage
@@ -141,11 +152,13 @@ void RlinkWdsProxy::initializeClient(rlink_service_info& service) {
         client = nullptr;
         log(LogLevel::Error, "rlink_client_init error. ErrCode : %s",
             std::to_string(result).c_str());
+        tellObserver([](Observer& observer) { observer.onService(ServiceState::ConnectFailed); });
         return;
     }
     const int registered = rlink_client_register_error_cb(client, rlinkErrorCb, this);
     log(LogLevel::Debug, "rlink_client_register_error_cb result: %d", registered);
     registerRlinkIndications();
+    tellObserver([](Observer& observer) { observer.onService(ServiceState::Up); });
 }
 
 void RlinkWdsProxy::rlinkErrorCb(rlink_client_type /*client*/, int /*error*/, void* data) {
@@ -169,8 +182,10 @@ void RlinkWdsProxy::handleError(int fd, void* data) {
         return;
     }
     auto* proxy = static_cast<RlinkWdsProxy*>(data);
+    proxy->worker.check();
     proxy->release(proxy->client);
     log(LogLevel::Info, "Handling modem down");
+    tellObserver([](Observer& observer) { observer.onService(ServiceState::Down); });
     proxy->registerRlinkSvcUp();
 }
 
@@ -179,9 +194,23 @@ void RlinkWdsProxy::handleError(int fd, void* data) {
 template <typename Request, typename Response>
 bool RlinkWdsProxy::send(unsigned int msgId, Request& request, Response& response) {
     clear(response);
+    observation.begin(msgId);
     const int result = rlink_client_send_msg_sync(client, msgId, &request, sizeof(request),
                                                   &response, sizeof(response), kRequestTimeoutMs);
-    return result == RLINK_NO_ERROR && response.resp.result == 0;
+    return observation.end(result, response.resp);
+}
+
+/** The same for a message about profiles, whose outcome is logged under its name. */
+template <typename Request, typename Response>
+bool RlinkWdsProxy::send(unsigned int msgId, const char* name, Request& request,
+                         Response& response) {
+    const bool isDone = send(msgId, request, response);
+    if (isDone) {
+        log(LogLevel::Notice, "RlinkWdsProxy %s request successful!", name);
+    } else {
+        log(LogLevel::Error, "Unable send %s message", name);
+    }
+    return isDone;
 }
 
 void RlinkWdsProxy::registerRlinkIndications() {
@@ -200,6 +229,7 @@ void RlinkWdsProxy::bindSubscription() {
     } else {
         log(LogLevel::Error, "Unable send bind req message");
     }
+    observation.tell(ModemMessageType::BindSubscription);
 }
 
 void RlinkWdsProxy::registerForIndications() {
@@ -213,6 +243,7 @@ void RlinkWdsProxy::registerForIndications() {
     } else {
         log(LogLevel::Error, "Unable send indication req message");
     }
+    observation.tell(ModemMessageType::RegisterIndications);
 }
 
 void RlinkWdsProxy::configureEventList() {
@@ -231,64 +262,67 @@ void RlinkWdsProxy::configureEventList() {
     } else {
         log(LogLevel::Error, "Unable send config req message");
     }
+    observation.tell(ModemMessageType::ConfigureEventList);
 }
 
+// The name that a message has in the log is that of its number.
+#define VELA_MESSAGE(number) number, #number
+
 bool RlinkWdsProxy::add(ModemProfile& profile) {
+    worker.check();
     wds_create_profile_req_msg_v01 request = profile.constructAddRequest();
     wds_create_profile_resp_msg_v01 response;
-    if (!send(RLINK_WDS_CREATE_PROFILE_REQ_V01, request, response)) {
-        log(LogLevel::Error, "Unable send RLINK_WDS_CREATE_PROFILE_REQ_V01 message");
-        return false;
+    const bool isDone = send(VELA_MESSAGE(RLINK_WDS_CREATE_PROFILE_REQ_V01), request, response);
+    if (isDone) {
+        profile.setProfileId(response.profile.profile_index);
     }
-    log(LogLevel::Notice, "RlinkWdsProxy RLINK_WDS_CREATE_PROFILE_REQ_V01 request successful!");
-    profile.setProfileId(response.profile.profile_index);
-    return true;
+    observation.tell(ModemMessageType::CreateProfile, profile.getTechType(), profile.getProfileId(),
+                     &profile);
+    return isDone;
 }
 
 bool RlinkWdsProxy::modify(ModemProfile& profile, TechType techType, int profileId) {
+    worker.check();
     wds_modify_profile_settings_req_msg_v01 request = profile.constructModifyRequest();
     identify(request.profile, techType, profileId);
     wds_modify_profile_settings_resp_msg_v01 response;
-    if (!send(RLINK_WDS_MODIFY_PROFILE_SETTINGS_REQ_V01, request, response)) {
-        log(LogLevel::Error, "Unable send RLINK_WDS_MODIFY_PROFILE_SETTINGS_REQ_V01 message");
-        return false;
-    }
-    log(LogLevel::Notice,
-        "RlinkWdsProxy RLINK_WDS_MODIFY_PROFILE_SETTINGS_REQ_V01 request successful!");
-    return true;
+    const bool isDone =
+        send(VELA_MESSAGE(RLINK_WDS_MODIFY_PROFILE_SETTINGS_REQ_V01), request, response);
+    observation.tell(ModemMessageType::ModifyProfile, techType, profileId, &profile);
+    return isDone;
 }
 
 bool RlinkWdsProxy::remove(TechType techType, int profileId) {
+    worker.check();
     wds_delete_profile_req_msg_v01 request;
     clear(request);
     identify(request.profile, techType, profileId);
     wds_delete_profile_resp_msg_v01 response;
-    if (!send(RLINK_WDS_DELETE_PROFILE_REQ_V01, request, response)) {
-        log(LogLevel::Error, "Unable send RLINK_WDS_DELETE_PROFILE_REQ_V01 message");
-        return false;
-    }
-    log(LogLevel::Notice, "RlinkWdsProxy RLINK_WDS_DELETE_PROFILE_REQ_V01 request successful!");
-    return true;
+    const bool isDone = send(VELA_MESSAGE(RLINK_WDS_DELETE_PROFILE_REQ_V01), request, response);
+    observation.tell(ModemMessageType::DeleteProfile, techType, profileId);
+    return isDone;
 }
 
 std::shared_ptr<ModemProfile> RlinkWdsProxy::get(TechType techType, int profileId) {
+    worker.check();
     wds_get_profile_settings_req_msg_v01 request;
     clear(request);
     identify(request.profile, techType, profileId);
     wds_get_profile_settings_resp_msg_v01 response;
-    if (!send(RLINK_WDS_GET_PROFILE_SETTINGS_REQ_V01, request, response)) {
-        log(LogLevel::Error, "Unable send RLINK_WDS_GET_PROFILE_SETTINGS_REQ_V01 message");
-        return nullptr;
+    std::shared_ptr<ModemProfile> profile;
+    if (send(VELA_MESSAGE(RLINK_WDS_GET_PROFILE_SETTINGS_REQ_V01), request, response)) {
+        if (request.profile.profile_type == WDS_PROFILE_TYPE_3GPP2_V01) {
+            profile = std::make_shared<Modem3gpp2Profile>(profileId, response);
+        } else {
+            profile = std::make_shared<Modem3gppProfile>(profileId, response);
+        }
     }
-    log(LogLevel::Notice,
-        "RlinkWdsProxy RLINK_WDS_GET_PROFILE_SETTINGS_REQ_V01 request successful!");
-    if (request.profile.profile_type == WDS_PROFILE_TYPE_3GPP2_V01) {
-        return std::make_shared<Modem3gpp2Profile>(profileId, response);
-    }
-    return std::make_shared<Modem3gppProfile>(profileId, response);
+    observation.tell(ModemMessageType::ReadProfile, techType, profileId, profile.get());
+    return profile;
 }
 
 std::list<std::shared_ptr<ModemProfile>> RlinkWdsProxy::getAllProfiles() {
+    worker.check();
     std::list<std::shared_ptr<ModemProfile>> profiles;
     if (appendProfiles(WDS_PROFILE_TYPE_3GPP_V01, profiles)) {
         appendProfiles(WDS_PROFILE_TYPE_3GPP2_V01, profiles);
@@ -303,11 +337,11 @@ bool RlinkWdsProxy::appendProfiles(wds_profile_type_enum_v01 type,
     request.profile_type_valid = 1;
     request.profile_type = type;
     wds_get_profile_list_resp_msg_v01 response;
-    if (!send(RLINK_WDS_GET_PROFILE_LIST_REQ_V01, request, response)) {
-        log(LogLevel::Error, "Unable send RLINK_WDS_GET_PROFILE_LIST_REQ_V01 message");
+    const bool isDone = send(VELA_MESSAGE(RLINK_WDS_GET_PROFILE_LIST_REQ_V01), request, response);
+    observation.tell(ModemMessageType::ListProfiles, convertProfileType(type));
+    if (!isDone) {
         return false;
     }
-    log(LogLevel::Notice, "RlinkWdsProxy RLINK_WDS_GET_PROFILE_LIST_REQ_V01 request successful!");
     const auto count = std::min<std::uint32_t>(response.profile_list_len, WDS_PROFILE_LIST_MAX_V01);
     for (std::uint32_t i = 0; i < count; ++i) {
         const wds_profile_info_type_v01& entry = response.profile_list[i];
@@ -336,7 +370,7 @@ void RlinkWdsProxy::rlinkIndCb(rlink_client_type client, unsigned int msgId, voi
 
     auto* proxy = static_cast<RlinkWdsProxy*>(data);
     {
-        const std::lock_guard lock(proxy->indQueueMutex);
+        const MutexLock lock(proxy->indQueueMutex);
         proxy->indQueue.push_back(std::move(indication));
     }
     ssize_t written = 0;
@@ -356,6 +390,7 @@ void RlinkWdsProxy::handleIndication(int fd, void* data) {
 }
 
 void RlinkWdsProxy::handleQueuedIndications() {
+    worker.check();
     // What arrives meanwhile has signalled again. It waits its turn, so that a flood of indications
     // does not keep the worker from its callers.
     std::size_t left = countIndications();
@@ -383,20 +418,23 @@ bool RlinkWdsProxy::handleTaken(const IndInfo_t* indication) {
 }
 
 std::size_t RlinkWdsProxy::countIndications() {
-    const std::lock_guard lock(indQueueMutex);
+    const MutexLock lock(indQueueMutex);
     return indQueue.size();
 }
 
 bool RlinkWdsProxy::takeIndication(std::unique_ptr<IndInfo_t>& indication) {
-    const std::lock_guard lock(indQueueMutex);
-    log(LogLevel::Debug, "RlinkWdsProxy: handleIndication indQueue.size[%d]",
-        static_cast<int>(indQueue.size()));
-    if (indQueue.empty()) {
-        return false;
+    std::size_t size = 0;
+    {
+        const MutexLock lock(indQueueMutex);
+        size = indQueue.size();
+        if (size > 0) {
+            indication = std::move(indQueue.front());
+            indQueue.pop_front();
+        }
     }
-    indication = std::move(indQueue.front());
-    indQueue.pop_front();
-    return true;
+    log(LogLevel::Debug, "RlinkWdsProxy: handleIndication indQueue.size[%d]",
+        static_cast<int>(size));
+    return size > 0;
 }
 
 bool RlinkWdsProxy::decodeAndReport(const IndInfo_t& indication) {
@@ -407,10 +445,12 @@ bool RlinkWdsProxy::decodeAndReport(const IndInfo_t& indication) {
                                     indication.ind_buf_len, &message,
                                     sizeof(message)) != RLINK_NO_ERROR) {
         log(LogLevel::Error, "Unable to decode the nr status ind message");
+        tellUnreadable();
         return false;  // deliberate: one bad message ends the pass
     }
     if (message.profile_changed_valid == 0) {
         log(LogLevel::Error, "Profile changed ind TLV is not valid");
+        tellUnreadable();
     } else {
         handleProfileChangedInd(message.profile_changed);
     }

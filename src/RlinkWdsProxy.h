@@ -8,13 +8,15 @@
 #include <functional>
 #include <list>
 #include <memory>
-#include <mutex>
 
 #include "EventFd.h"
 #include "EventManager.h"
+#include "MessageObservation.h"
 #include "ModemProfile.h"
-#include "ProfileChangedInd.h"
+#include "Mutex.h"
+#include "WorkerRole.h"
 #include "rlink_client.h"
+#include "vela/ProfileChangedInd.h"
 #include "wds_service_v01.h"
 
 namespace vela {
@@ -39,6 +41,15 @@ class RlinkWdsProxy {
     RlinkWdsProxy(const RlinkWdsProxy&) = delete;
     RlinkWdsProxy& operator=(const RlinkWdsProxy&) = delete;
     ~RlinkWdsProxy();
+
+    /** Names the request that the following operations serve, to observers; null: none. */
+    void serve(const ClientRequest* request) { observation.serve(request); }
+
+    /** The number of the message that is under way; 0: none. Any thread. */
+    std::uint32_t messageUnderWay() const { return observation.messageUnderWay(); }
+
+    /** The calling thread is the worker from here on. */
+    void assumeWorker() { worker.assume(); }
 
     /** Sets the one consumer of profile changes, called on the worker thread. */
     void registerProfileChangedInd(ProfileChangedIndCb callback);
@@ -104,6 +115,8 @@ class RlinkWdsProxy {
 
     template <typename Request, typename Response>
     bool send(unsigned int msgId, Request& request, Response& response);
+    template <typename Request, typename Response>
+    bool send(unsigned int msgId, const char* name, Request& request, Response& response);
 
     EventManager& eventManager;
     const int instance;
@@ -113,14 +126,16 @@ class RlinkWdsProxy {
     rlink_client_type notifier = nullptr;
     rlink_client_os_params osParams{};
 
-    std::deque<std::unique_ptr<IndInfo_t>> indQueue;  // guarded by indQueueMutex
-    std::mutex indQueueMutex;
+    Mutex indQueueMutex;
+    std::deque<std::unique_ptr<IndInfo_t>> indQueue VELA_GUARDED_BY(indQueueMutex);
 
     EventFd svcUpFd;
     EventFd errorFd;
     EventFd indicationFd;
 
     ProfileChangedIndCb profileChangedIndCb;
+    MessageObservation observation;
+    WorkerRole worker;
 };
 
 }  // namespace vela

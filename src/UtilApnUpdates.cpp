@@ -7,6 +7,7 @@
 
 #include "LogWrapper.h"
 #include "ModemConversions.h"
+#include "Observation.h"
 #include "vela/Manager.h"
 #include "vela/Util.h"
 
@@ -16,6 +17,8 @@ namespace vela {
 
 void Util::updateModemProfileByApnClass(const std::list<ProfileParams>& profiles3gpp,
                                         const std::list<ProfileParams>& profiles3gpp2) {
+    const PolicyScope scope({Policy::ApnClasses, profileUpdateAllowed, nullptr, TechType::TECH_3GPP,
+                             -1, &profiles3gpp, &profiles3gpp2});
     log(LogLevel::Notice, "vela updateModemProfileByApnClass > ");
     log(LogLevel::Notice, "  3gpp:");
     for (const ProfileParams& params : profiles3gpp) {
@@ -39,6 +42,7 @@ void Util::updateModemProfileByApnClass(const std::list<ProfileParams>& profiles
 }
 
 void Util::updateModemProfileByApnClassAndTechType(const ProfileParams& params, TechType techType) {
+    const PolicyScope scope({Policy::ApnClassAndTechType, profileUpdateAllowed, &params, techType});
     if (!params.hasApnClass()) {
         log(LogLevel::Debug, "vela either tech type or apn class is missing");
         return;
@@ -123,6 +127,8 @@ ModifyProfileParams makeMaskUpdate(unsigned int mask) {
 }  // namespace
 
 void Util::updateAPNTypeBitmaskOnModemProfile(const std::list<ProfileParams>& profiles) {
+    const PolicyScope scope(
+        {Policy::ApnTypesMasks, profileUpdateAllowed, nullptr, TechType::TECH_3GPP, -1, &profiles});
     log(LogLevel::Notice, "vela updateAPNTypeBitmaskOnModemProfile > ");
     std::list<ProfileParams> entries = profiles;
     std::unordered_set<std::string> names;

@@ -9,6 +9,7 @@
 #include "DumpText.h"
 #include "KeyText.h"
 #include "LogWrapper.h"
+#include "Observation.h"
 #include "ParamsFields.h"
 #include "vela/Manager.h"
 #include "vela/Util.h"
@@ -16,6 +17,7 @@
 namespace vela {
 
 std::shared_ptr<IProfileKey> Util::findOrCreateProfileForLteAttach(const ProfileParams& params) {
+    PolicyScope scope({Policy::LteAttach, profileUpdateAllowed, &params});
     log(LogLevel::Notice, "vela findOrCreateProfileForLteAttach > %s", params.dump().c_str());
     AttachSearch search(manager, params, profileUpdateAllowed);
     std::shared_ptr<IProfileKey> key = search.run();
@@ -27,7 +29,7 @@ std::shared_ptr<IProfileKey> Util::findOrCreateProfileForLteAttach(const Profile
         log(LogLevel::Notice, "vela VELA IA profile created for attach");
     }
     log(LogLevel::Notice, "vela findOrCreateProfileForLteAttach < %s", keyText(key, "").c_str());
-    return key;
+    return scope.end(key);
 }
 
 namespace {
@@ -61,6 +63,8 @@ bool reportMismatch() {
 }  // namespace
 
 bool Util::matchLteAttachProfileId(int profileId, const ProfileParams& params) {
+    PolicyScope scope(
+        {Policy::LteAttachMatch, profileUpdateAllowed, &params, TechType::TECH_3GPP, profileId});
     DumpText request;
     request << "Profile id = " << profileId << " Input Params = " << params.dump();
     log(LogLevel::Notice, "vela matchLteAttachProfileId > %s", request.str().c_str());
@@ -84,7 +88,7 @@ bool Util::matchLteAttachProfileId(int profileId, const ProfileParams& params) {
         return reportMismatch();
     }
     log(LogLevel::Notice, "vela matchLteAttachList < %d", profileId);
-    return true;
+    return scope.end(true);
 }
 
 }  // namespace vela

@@ -6,6 +6,7 @@
 
 #include "KeyText.h"
 #include "LogWrapper.h"
+#include "Observation.h"
 #include "ParamsFields.h"
 #include "vela/Manager.h"
 #include "vela/Util.h"
@@ -78,6 +79,7 @@ std::shared_ptr<IProfileKey> createEmergencyProfile(Manager& manager, const Prof
 
 std::shared_ptr<IProfileKey> Util::findOrCreateProfileForSetupDataCall(
     TechType techType, const ProfileParams& params) {
+    PolicyScope scope({Policy::SetupDataCall, profileUpdateAllowed, &params, techType});
     log(LogLevel::Notice, "vela findOrCreateProfileForSetupDataCall > %s", params.dump().c_str());
     const FilterProfileParams filter = makeDataCallFilter(techType, params);
     std::shared_ptr<IProfileKey> key = profileUpdateAllowed
@@ -95,11 +97,12 @@ std::shared_ptr<IProfileKey> Util::findOrCreateProfileForSetupDataCall(
     }
     log(LogLevel::Notice, "vela findOrCreateProfileForSetupDataCall < %s",
         keyText(key, "").c_str());
-    return key;
+    return scope.end(key);
 }
 
 std::shared_ptr<IProfileKey> Util::findOrCreateProfileForEmergencyDataCall(
     const ProfileParams& params) {
+    PolicyScope scope({Policy::EmergencyDataCall, profileUpdateAllowed, &params});
     log(LogLevel::Notice, "vela findOrCreateProfileForEmergencyDataCall > %s",
         params.dump().c_str());
     std::shared_ptr<IProfileKey> key = findEmergencyProfile(manager, params);
@@ -108,7 +111,7 @@ std::shared_ptr<IProfileKey> Util::findOrCreateProfileForEmergencyDataCall(
     }
     log(LogLevel::Notice, "vela findOrCreateProfileForEmergencyDataCall < %s",
         keyText(key, "").c_str());
-    return key;
+    return scope.end(key);
 }
 
 }  // namespace vela

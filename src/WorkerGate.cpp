@@ -9,36 +9,68 @@ namespace vela {
 WorkerGate::WorkerGate(std::function<void()> wakeWorker) : wakeWorker(std::move(wakeWorker)) {}
 
 void WorkerGate::pass() {
-    std::unique_lock lock(mutex);
+    MutexLock lock(mutex);
     workerSeen = true;
-    workerWaits = true;
-    workerArrived.notify_all();
-    gateOpened.wait(lock, [this] { return holders == 0; });
-    workerWaits = false;
+    workerStands = true;
+    changed.notifyAll();
+    while (isHeld && workerStands) {
+        changed.wait(lock);
+    }
+    workerStands = false;
 }
 
 void WorkerGate::awaitWorker() {
-    std::unique_lock lock(mutex);
-    workerArrived.wait(lock, [this] { return workerWaits; });
+    awaitWorker(Deadline::max());
 }
 
-WorkerGate::Hold::Hold(WorkerGate& gate) : gate(gate) {
-    bool mustWait = false;
-    {
-        const std::lock_guard lock(gate.mutex);
-        ++gate.holders;
-        mustWait = gate.workerSeen && !gate.workerWaits;
+bool WorkerGate::awaitWorker(Deadline deadline) {
+    MutexLock lock(mutex);
+    while (!workerStands) {
+        if (!changed.waitUntil(lock, deadline) && !workerStands) {
+            return false;
+        }
     }
-    if (mustWait) {
+    return true;
+}
+
+bool WorkerGate::take(Deadline deadline, bool& mustMeet) {
+    MutexLock lock(mutex);
+    while (isHeld) {
+        if (!changed.waitUntil(lock, deadline) && isHeld) {
+            return false;
+        }
+    }
+    isHeld = true;
+    mustMeet = workerSeen;
+    return true;
+}
+
+void WorkerGate::open() {
+    const MutexLock lock(mutex);
+    isHeld = false;
+    workerStands = false;
+    changed.notifyAll();
+}
+
+WorkerGate::Hold::Hold(WorkerGate& gate, Deadline deadline) : gate(gate) {
+    bool mustMeet = false;
+    if (!gate.take(deadline, mustMeet)) {
+        return;
+    }
+    isHeld = true;
+    if (mustMeet) {
         gate.wakeWorker();
-        gate.awaitWorker();
+        isHeld = gate.awaitWorker(deadline);
+    }
+    if (!isHeld) {
+        gate.open();
     }
 }
 
 WorkerGate::Hold::~Hold() {
-    const std::lock_guard lock(gate.mutex);
-    --gate.holders;
-    gate.gateOpened.notify_all();
+    if (isHeld) {
+        gate.open();
+    }
 }
 
 }  // namespace vela

@@ -33,10 +33,17 @@ class VELA_API IProfileKey : public std::enable_shared_from_this<IProfileKey> {
     virtual TechType getTechType() const = 0;
 
     /**
-     * Has `callback` called once, on the worker thread, when the cached profile that this key names
-     * is dropped (deleted, changed by someone else, or reloaded), provided that this key still
-     * lives then. Never called when the profile is gone already. The callback must not wait for
-     * another call of the library: such a call is refused on the worker thread.
+     * Has `callback` called once when the cached profile that this key names is dropped (deleted,
+     * changed by someone else, or reloaded), provided that this key still lives then. Never called
+     * when the profile is gone already.
+     *
+     * It runs on the worker thread, where calls of the library are refused; all callers wait
+     * meanwhile. When the profile goes because of a second Manager::init(), or of a Manager's
+     * destructor, it runs on the thread that makes that call: after init() its calls are answered
+     * by the new connection, after the destructor they come back empty.
+     *
+     * The callback must not throw, nor be empty: either ends the process when the profile is
+     * dropped, which may be long after this call and for a reason in the modem.
      */
     virtual void registerExpirationListener(std::function<void()> callback) = 0;
 

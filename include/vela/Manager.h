@@ -15,30 +15,42 @@
 
 namespace vela {
 
-class ClientRequestManager;
+class RequestLine;
 
 /**
  * The library's front door: the data profiles of one modem instance.
  *
  * Every operation may be called from any thread and blocks its caller until the worker thread has
- * answered; callers take turns. On the worker thread itself, that is in an expiration callback,
- * operations are refused with an error line in the log and the empty result. Before init() every
- * operation logs "Manager not initialized!" and returns the empty result.
+ * answered; callers take turns. How long that takes: a modem message takes at most a second.
+ * Adding, changing and deleting a profile take one message; refresh() takes one for each technology
+ * and one for each profile; all others take none. Before it come the callers who wait already, and
+ * what the modem has reported meanwhile, each change by someone else with one message.
+ *
+ * On the worker thread itself, that is in an expiration callback, operations are refused with an
+ * error line in the log and the empty result. Before init() every operation logs "Manager not
+ * initialized!" and returns the empty result.
  */
 class VELA_API Manager {
   public:
-    /** The process-wide instance, made on first use and destroyed at process exit. */
+    /**
+     * The process-wide instance, made on first use. At process exit it lets go of the modem; its
+     * memory stays, so that threads which still use it then get the empty result.
+     */
     static Manager& getInstance();
 
     Manager();
     Manager(const Manager&) = delete;
     Manager& operator=(const Manager&) = delete;
+
+    /** Calls of other threads that are under way are answered first; those that find it closed get
+     * the empty result. */
     ~Manager();
 
     /**
      * Connects to the modem. A second call replaces the connection and the cache: keys made before
-     * stay valid objects, but name nothing any more. Must not run while another thread is inside an
-     * operation of this manager.
+     * stay valid objects, but name nothing any more. Other threads may be inside operations: those
+     * get their answers, later ones those of the new connection. Refused on the worker thread, and
+     * after the end of main().
      *
      * @param instance modem instance (subscription)
      * @param useAdb log to the Android log; otherwise to the modem's diagnostic log
@@ -79,17 +91,28 @@ class VELA_API Manager {
      */
     void refresh(PDCRefreshStatus status);
 
-    /** @return the cache, the expected indications and the recent log lines, as text for people */
+    /**
+     * @return the cache, the expected indications and the recent log lines, as text for people.
+     *         While the worker is stuck, in a listener or with the modem, it says so within some
+     *         seconds in place of the cache.
+     */
     std::vector<std::string> dump();
 
   private:
+    struct State;
+    class AtExit;
+
+    /** Empty when there is none. */
+    std::shared_ptr<RequestLine> connection() const;
     bool isInitialized() const;
+    /** Ends the connection; init() makes no new one. False where it has to stay. */
+    bool close();
 
     template <typename Response>
     std::shared_ptr<Response> process(const char* operation, const char* castMessage,
                                       const std::shared_ptr<ClientRequest>& request);
 
-    std::unique_ptr<ClientRequestManager> requestManager;
+    State* const state;  // outlives this object where its worker cannot be ended
 };
 
 }  // namespace vela

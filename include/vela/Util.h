@@ -17,7 +17,9 @@ class Manager;
 /**
  * Policies that find, repair or create the right profile for a purpose, through the process-wide
  * `Manager`. Each call runs on the caller's thread and is made of several `Manager` calls; it takes
- * no lock, so that other callers may come in between. Initialise the `Manager` first.
+ * no lock, so that other callers may come in between. Two calls at once may both find nothing and
+ * both create a profile, persistent ones too: make one call after the other, on one thread or under
+ * a lock of yours. Initialise the `Manager` first.
  */
 class VELA_API Util {
   public:

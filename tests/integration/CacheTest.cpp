@@ -147,27 +147,6 @@ TEST_F(CacheTest, ReleasesThatDeleteNothing) {
     expectCacheEqualsModem();
 }
 
-TEST_F(CacheTest, IndicationsLostAndRepeated) {
-    fault(Fault::LoseIndication, velasim::kAnyMessage, 1, 2);
-    add("apn=net user=bob");
-    reload();
-    EXPECT_THAT(pending(), ElementsAre("3GPP:1 Create", "3GPP:1 Modify"));
-    change(1, "user_name=eve");
-    settle();
-    EXPECT_THAT(pending(), ElementsAre("3GPP:1 Create"));
-    EXPECT_THAT(find("user=bob"), SizeIs(1)) << "taken for the library's own change";
-
-    store("apn_string_3gpp2=cdma");
-    store("apn_string_3gpp2=cdma");
-    reload();
-    fault(Fault::DuplicateIndication);
-    sim.foreignCreate(0, Technology::ThreeGpp, settingsOf("apn_name=twice"));
-    settle();
-    EXPECT_THAT(find("apn=twice"), SizeIs(2));
-    sim.foreignDelete(0, Technology::ThreeGpp, 2);
-    expectCacheEqualsModem();
-}
-
 TEST_F(CacheTest, EntriesThatCouldNotBeRead) {
     const Key key = add("apn=net");
     settle();
@@ -189,28 +168,6 @@ TEST_F(CacheTest, EntriesThatCouldNotBeRead) {
     EXPECT_EQ(logged(kMissing), 0U);
 }
 
-// Rows: message that fails | which of them | entries | lists asked for | lines "null".
-TEST_F(CacheTest, RefreshTakesWhatCanBeRead) {
-    for (const char* line : {"apn_name=a", "apn_name=b", "apn_string_3gpp2=c"}) {
-        store(line);
-    }
-    for (const auto& row : rowsOf(R"(0 | 1 | 3 | 2 | 0;; 42 | 1 | 0 | 1 | 0;; 42 | 2 | 2 | 2 | 0;;
-                                     43 | 2 | 3 | 2 | 1;;)")) {
-        sim.journal().clear();
-        velasim::DiagLog::instance().clear();
-        fault(Fault::Refuse, static_cast<std::uint32_t>(std::stoul(row[0])),
-              static_cast<std::uint32_t>(std::stoul(row[1])));
-        reload();
-        sim.faults().clear();
-        EXPECT_THAT(cached(), SizeIs(std::stoul(row[2])));
-        EXPECT_EQ(requests(RLINK_WDS_GET_PROFILE_LIST_REQ_V01), std::stoul(row[3]));
-        EXPECT_EQ(logged("null"), std::stoul(row[4]));
-    }
-    EXPECT_EQ(sim.restore({}), "");
-    reload();
-    EXPECT_THAT(cached(), IsEmpty());
-}
-
 TEST_F(CacheTest, ARefreshUnderWayBlocksEverything) {
     Key temporary = add("apn=temp", false);
     temporary->registerExpirationListener(counting());
@@ -225,6 +182,8 @@ TEST_F(CacheTest, ARefreshUnderWayBlocksEverything) {
     }
     EXPECT_EQ(logged(kMissing), 0U) << "something reached the cache";
     manager.refresh(static_cast<PDCRefreshStatus>(200));
+    EXPECT_EQ(logged("VELA refresh completed"), 1U) << "every other status is an end";
+    EXPECT_THAT(find(""), SizeIs(2));
     EXPECT_EQ(expirations, 0);
     EXPECT_EQ(profilesInModem(), 2U);
     expectCacheEqualsModem();
@@ -235,9 +194,13 @@ TEST_F(CacheTest, ListenersOfLiveKeysAreCalledInOrder) {
     Key second = find("").front();
     std::string calls;
     first->registerExpirationListener([&calls] { calls += "1"; });
-    second->registerExpirationListener([&calls] { calls += "2"; });
+    auto held = std::make_shared<int>();
+    const std::weak_ptr<int> watch = held;
+    second->registerExpirationListener([&calls, held] { calls += "2"; });
     first->registerExpirationListener([&calls] { calls += "3"; });
+    held.reset();
     second.reset();
+    EXPECT_TRUE(watch.expired()) << "a listener is forgotten with its key";
     EXPECT_TRUE(manager.deleteProfile(first));
     EXPECT_EQ(calls, "13");
 }

@@ -4,6 +4,7 @@
 
 #include "support/ClientFixture.h"
 #include "support/LogCapture.h"
+#include "vela/Util.h"
 
 namespace vela {
 namespace {
@@ -22,6 +23,17 @@ std::string transcript(LogCapture& capture) {
         lines += std::regex_match(line, omitted) ? "" : line + (line.back() == ' ' ? "_\n" : "\n");
     }
     return std::regex_replace(lines, numbers, "$1#");
+}
+
+/** Level and text of what the policies themselves say, but for what is said of 3GPP2 again. */
+std::string policyLines(LogCapture& capture) {
+    static const std::regex own("(vela|Profile|Could|Did) .*[^1]|  .*");
+    std::string lines = "\n";
+    for (const auto& [level, text] : capture.take()) {
+        const std::string line = std::to_string(static_cast<int>(level)) + " " + text;
+        lines += std::regex_match(text, own) ? line + (line.back() == ' ' ? "_\n" : "\n") : "";
+    }
+    return lines;
 }
 
 TEST_F(LogLevelTest, EveryOperation) {
@@ -98,6 +110,58 @@ TEST_F(LogLevelTest, EveryOperation) {
 1 RlinkWdsProxy bind register request successful!
 1 RlinkWdsProxy indication register request successful!
 1 RlinkWdsProxy config register request successful!
+)");
+}
+
+/** On the process-wide manager, which the policies use. */
+class PolicyLogTest : public ClientFixture {
+  protected:
+    PolicyLogTest() : ClientFixture(Manager::getInstance()) {}
+};
+
+TEST_F(PolicyLogTest, EveryPolicy) {
+    store("apn=net name=vela_profile");
+    start();
+    LogCapture capture;
+    Util util;
+    util.matchLteAttachProfileId(1, paramsOf("apn=net"));
+    fault(velasim::Fault::Refuse, RLINK_WDS_CREATE_PROFILE_REQ_V01, 1, 3);
+    util.findOrCreateProfileForLteAttach(paramsOf("apn=a"));
+    util.updateModemProfileByApnClass(listOf("apn=b class=1, apn=c"), listOf("apn=d class=2"));
+    util.updateAPNTypeBitmaskOnModemProfile(
+        listOf("apn=e home=1 mask=1, apn=e home=2 mask=2, apn=e home=0 mask=4"));
+    EXPECT_EQ(policyLines(capture), R"(
+5 vela matchLteAttachProfileId > Profile id = 1 Input Params = ApnName=net,
+3 Profile id 1 is a VELA profile which is not an IA profile, cannot be used for attach
+5 vela findOrCreateProfileForLteAttach > ApnName=a,
+5 vela VELA IA profile created for attach
+5 vela findOrCreateProfileForLteAttach < _
+5 vela updateModemProfileByApnClass > _
+5   3gpp:
+5     ApnName=b,ApnClass=IMS,
+5     ApnName=c,
+5   3gpp2:
+5     ApnName=d,ApnClass=ADMN,
+1 vela update 3gpp modem profile by APN class for ApnName=b,ApnClass=IMS,
+1 Did not find a match for APN class and tech type, create a persistent profile
+3 Could not add profile by APN class
+1 vela update 3gpp modem profile by APN class for ApnName=c,
+1 vela either tech type or apn class is missing
+1 vela update 3gpp2 modem profile by APN class for ApnName=d,ApnClass=ADMN,
+1 Did not find a match for APN class and tech type, create a persistent profile
+3 Could not add profile by APN class
+5 vela updateModemProfileByApnClass < OK
+5 vela updateAPNTypeBitmaskOnModemProfile > _
+5 vela update APN type bitmask on modem profile for ApnName=e,HomeIPType=V4,ApnTypesMask=DEFAULT|,
+5 vela update APN type bitmask on modem profile for ApnName=e,HomeIPType=V6,ApnTypesMask=MMS|,
+5 vela update APN type bitmask on modem profile for ApnName=e,HomeIPType=UNKNOWN,ApnTypesMask=SUPL|,
+1 vela processing APN name e, V4 mask:0x1, v6 mask0x2:, v4v6 mask:0x4
+1 vela no match found for apn name:e, ip type:1, tech type:0
+1 vela no match found for apn name:e, ip type:2, tech type:0
+1 vela no match found for apn name:e, ip type:3, tech type:0
+1 vela no match found for apn name:e, ip type:1, tech type:0
+1 vela no match found for apn name:e, ip type:2, tech type:0
+5 vela updateAPNTypeBitmaskOnModemProfile < OK
 )");
 }
 

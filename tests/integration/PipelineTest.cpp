@@ -1,8 +1,6 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
-#include <atomic>
 #include <future>
-#include <thread>
 
 #include "support/ClientFixture.h"
 
@@ -23,37 +21,6 @@ using PipelineTest = ClientFixture;
 /** The profile-changed indication as the modem encodes it. */
 Bytes indicationOf(std::uint8_t type, std::uint8_t index, std::uint8_t event) {
     return {0x10, 9, 0, type, 0, 0, 0, index, event, 0, 0, 0};
-}
-
-// ---- many threads
-
-TEST_F(PipelineTest, EveryThreadGetsItsOwnAnswers) {
-    store("apn_name=foreign");
-    start();
-    const auto useOwnProfile = [this](const std::string& apn, const std::string& user) {
-        const Key key = add("apn=" + apn, false);
-        EXPECT_TRUE(modify("user=" + user, key));
-        EXPECT_THAT(find("apn=" + apn), SizeIs(1));
-        EXPECT_THAT(read(key), HasSubstr("ApnName=" + apn + ",UserName=" + user + ","));
-        EXPECT_FALSE(manager.match(FilterProfileParams(paramsOf("apn=other")), key));
-        EXPECT_THAT(manager.dump(), Contains("Cache:"));
-    };
-    std::vector<std::thread> clients;
-    for (int client = 0; client < 8; ++client) {
-        clients.emplace_back([&useOwnProfile, client] {
-            for (int round = 0; round < 50; ++round) {
-                useOwnProfile("thread" + std::to_string(client), std::to_string(round));
-            }
-        });
-    }
-    for (int i = 0; i < 100; ++i) {
-        change(1, "user_name=eve");
-    }
-    for (std::thread& client : clients) {
-        client.join();
-    }
-    EXPECT_EQ(profilesInModem(), 1U);
-    expectCacheEqualsModem();
 }
 
 // ---- expiration callbacks

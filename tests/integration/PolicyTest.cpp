@@ -94,6 +94,8 @@ those too | apn=net pdp=3 name=vela_profile | apn=net home=3 user=bob | allowed 
     3GPP:1 | user=bob | loose | 2 | 1;;
 subset | apn=net pdp=3 | apn=net home=1 user=bob | | 3GPP:1 | pdp=3 user=bob | loose | 2 | 1;;
 superset | apn=net pdp=0 | apn=net home=3 roam=3 | | 3GPP:1 | pdp=0 lte=- | loose | 2 | 1;;
+roaming subset | apn=net pdp=3 lte=2 umts=2 | apn=net home=3 roam=1 | | 3GPP:1 | lte=2 |
+    loose | 2 | 1;;
 rewritten | apn=net pdp=2 | apn=net home=1 roam=1 | allowed | 3GPP:1 | pdp=0 lte=0 | loose | 2 | 1;;
 roaming | apn=net pdp=3 lte=1 umts=1 | apn=net home=1 roam=1 | | 3GPP:2 | pdp=0 lte=0 |
     created | 4 | 2;;
@@ -181,6 +183,8 @@ no such id | apn_string_3gpp2=net | apn=net | | no;;
 not for attach | apn=net name=vela_profile | apn=net | |
     Profile id 1 is a VELA profile which is not an IA profile, cannot be used for attach;;
 both ways | apn=net pdp=3 | apn=net home=1 roam=2 | | yes;;
+a smaller one | apn=net pdp=0 | apn=net home=3 roam=3 | | yes;;
+authentication | apn=net authentication_preference=1 | apn=net auth=2 | | no;;
 exactly | apn=net pdp=3 | apn=net home=1 | allowed | no;;
 the library's | apn=net pdp=3 name=vela_profile_ia | apn=net home=1 | | no;;
 credentials | apn=net user=bob password=x | apn=NET user=bob pw=x | allowed | yes;;

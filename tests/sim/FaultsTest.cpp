@@ -219,7 +219,13 @@ std::vector<JournalEntry> journalOf(std::uint64_t seed) {
     }
     simulator.releaseDelayed();
     simulator.deliverAll();
-    return simulator.journal().snapshot();
+    auto journal = simulator.journal().snapshot();
+    for (JournalEntry& entry : journal) {
+        if (entry.kind == JournalKind::Request) {
+            entry.bytes.clear();  // between the members they are arbitrary
+        }
+    }
+    return journal;
 }
 
 TEST(FaultsTest, TheSameSeedIsTheSameRun) {

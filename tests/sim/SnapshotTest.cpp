@@ -1,13 +1,13 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
 
 #include "RandomSettings.h"
 #include "SimClient.h"
+#include "support/TempFolder.h"
 #include "velasim/Simulator.h"
 
 namespace velasim {
@@ -18,11 +18,8 @@ constexpr auto k3gpp2 = Technology::ThreeGpp2;
 
 class SnapshotTest : public testing::Test {
   protected:
-    void SetUp() override { std::filesystem::create_directory(folder); }
-    void TearDown() override { std::filesystem::remove_all(folder); }
-
-    const std::filesystem::path folder =
-        testing::TempDir() + "/velasim-" + std::to_string(::getpid());
+    const velatest::TempFolder own;
+    const std::filesystem::path& folder = own.path();
     const std::string file = folder / "modem.json";
 };
 
@@ -36,7 +33,7 @@ TEST_F(SnapshotTest, EverythingPersistentSurvivesTheFile) {
     simulator.restart();  // forgets the volatile ones, as the file does
     ASSERT_EQ(simulator.snapshot().save(file), "");
     ASSERT_EQ(simulator.snapshot().save(file), "");
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1);
+    EXPECT_EQ(own.size(), 1);
 
     const auto loaded = Snapshot::load(file);
     ASSERT_TRUE(loaded.snapshot) << loaded.error;
@@ -126,7 +123,7 @@ TEST_F(SnapshotTest, AFileIsReplacedAsWhatItIs) {
     EXPECT_NE(Snapshot().save(folder).find("Is a directory"), std::string::npos);
     EXPECT_NE(Snapshot::load(folder).error.find("Is a directory"), std::string::npos);
     EXPECT_NE(Snapshot().save("/dev/null"), "");
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 2);
+    EXPECT_EQ(own.size(), 2);
 }
 
 TEST_F(SnapshotTest, ASnapshotThatDoesNotFitChangesNothing) {

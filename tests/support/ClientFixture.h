@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "modem/Rest.h"
 #include "support/TextTables.h"
 #include "vela/Manager.h"
 #include "velasim/DiagLog.h"
@@ -28,7 +29,8 @@ class ClientFixture : public testing::Test {
   protected:
     ClientFixture() : own(std::make_unique<Manager>()), manager(*own) {}
     /** On a manager that lives longer. */
-    explicit ClientFixture(Manager& existing) : manager(existing) {}
+    explicit ClientFixture(Manager& existing, const velasim::SimulatorOptions& options = {})
+        : sim(options), manager(existing) {}
 
     /** Connects, and loads the cache. The log and the journal start here. */
     void start() {
@@ -49,13 +51,7 @@ class ClientFixture : public testing::Test {
 
     /** All callbacks have been made, and the worker has handled what they signalled. */
     void settle(Manager& client) {
-        for (int round = 0; round < 3; ++round) {  // handling them may cause further ones
-            sim.waitIdle();
-            // The worker may be past the signal in its current pass, but not in the one after.
-            for (int trip = 0; trip < 3; ++trip) {
-                client.match(FilterProfileParams(), nullptr);
-            }
-        }
+        velactl::awaitRest(client, sim, [this] { sim.waitIdle(); });
     }
     void settle() { settle(manager); }
 

@@ -74,6 +74,11 @@ TEST_F(EventManagerTest, ServesFourDescriptorsAPass) {
     }
     events.processEvents();
     EXPECT_EQ(counter.calls, 4);
+    std::string left;
+    for (const auto& [level, text] : capture.take()) {
+        left += text.rfind("there are ", 0) == 0 ? text.substr(10, 1) : "";
+    }
+    EXPECT_EQ(left, "4321");
     events.processEvents();
     EXPECT_EQ(counter.calls, 6);
 }

@@ -139,10 +139,13 @@ TEST(Modem3gppProfileTest, ADifferenceChangesSettingsAndNothingElse) {
 }
 
 TEST(Modem3gppProfileTest, NameTellsWhoseProfileItIs) {
-    const std::tuple<std::string, bool, bool> table[] = {
-        {"vela_profile", true, false},     {"vela_profile_ia", true, true},
-        {"VELA_PROFILE", false, false},    {"vela_profile_ia ", false, false},
-        {"my vela_profile", false, false}, {"", false, false}};
+    const std::tuple<std::string, bool, bool> table[] = {{"vela_profile", true, false},
+                                                         {"vela_profile_ia", true, true},
+                                                         {"VELA_PROFILE", false, false},
+                                                         {"VELA_PROFILE_IA", false, false},
+                                                         {"vela_profile_ia ", false, false},
+                                                         {"my vela_profile", false, false},
+                                                         {"", false, false}};
     for (const auto& [name, isVela, isIA] : table) {
         Modem3gppProfile profile{ProfileParams()};
         if (!name.empty()) {
@@ -203,6 +206,18 @@ TEST(Modem3gppProfileTest, CreateMessageHoldsWhatIsPresentAndZeroes) {
     to.apn_class_valid = 1, to.apn_class = 4;
     const wds_create_profile_req_msg_v01 request = profile.constructAddRequest();
     EXPECT_TRUE(bytesOf(request) == bytesOf(expected));
+}
+
+TEST(Modem3gppProfileTest, EmptyTextsAndClassZeroGoThereAndBack) {
+    ProfileParams params;
+    params.setApnName("");
+    params.setUserName("");
+    params.setPassword("");
+    params.setApnClass(static_cast<ApnClass>(0));
+    wds_get_profile_settings_resp_msg_v01 response{};
+    response.settings = Modem3gppProfile(params).constructAddRequest().settings;
+    EXPECT_EQ(Modem3gppProfile(5, response).dump(),
+              dumpOf("ApnName=,UserName=,Password=,ApnClass=0,", 5));
 }
 
 TEST(Modem3gppProfileTest, ModifyMessageNamesTheProfileAndClearsTheOverride) {

@@ -66,6 +66,8 @@ TEST(ModemConversionsTest, ApnTypeBitsCorrespond) {
         EXPECT_EQ(convertToSingleRlinkApnType(static_cast<ApnTypes>(noBit)), 0U);
         EXPECT_EQ(convertToSingleCommonApnType(noBit), static_cast<ApnTypes>(0));
     }
+    EXPECT_EQ(convertToSingleCommonApnType((std::uint64_t{1} << 32U) | 1U),
+              static_cast<ApnTypes>(0));
 }
 
 TEST(ModemConversionsTest, ApnTypeMasksAreInverseAndDropOtherBits) {

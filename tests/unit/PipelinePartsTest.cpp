@@ -9,13 +9,16 @@
 #include <limits>
 #include <memory>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "LogCapture.h"
+#include "ProfileCache.h"
 #include "ProfileKey.h"
 #include "RequestLine.h"
 #include "TokenGenerator.h"
 #include "WorkerGate.h"
+#include "support/DeathTests.h"
 
 namespace vela {
 namespace {
@@ -86,8 +89,32 @@ TEST(RequestLine, ClosingWaitsForPostsUnderWayAndRefusesLaterOnes) {
     EXPECT_EQ(line.post(std::make_shared<CallbackRequest>()), nullptr);
 }
 
+TEST(WorkerRoleDeathTest, EndsAProcessThatUsesTheCacheOffTheWorker) {
+#ifdef NDEBUG
+    GTEST_SKIP() << "checked in builds with assertions only";
+#endif
+    runDeathTestsAfresh();
+    EventManager events;
+    ProfileCache cache(events, 0, [](const auto&) { return nullptr; });
+    cache.refresh();  // as long as there is no worker
+    std::thread([&cache] { cache.assumeWorker(); }).join();
+    FilterProfileParams all;
+    AddProfileParams added(true, TechType::TECH_3GPP, false);
+    ModifyProfileParams modified;
+    EXPECT_DEATH(cache.add(added), "called off the worker");
+    EXPECT_DEATH(cache.modify(modified, nullptr), "called off the worker");
+    EXPECT_DEATH(cache.remove(nullptr), "called off the worker");
+    EXPECT_DEATH(cache.get(nullptr), "called off the worker");
+    EXPECT_DEATH(cache.filter(all), "called off the worker");
+    EXPECT_DEATH(cache.match(all, nullptr), "called off the worker");
+    EXPECT_DEATH(cache.refresh(), "called off the worker");
+    EXPECT_DEATH(cache.onIndication({}), "called off the worker");
+    EXPECT_DEATH(cache.releaseProfile(1), "called off the worker");
+    EXPECT_DEATH(cache.registerExpirationListener({}, {}, 1), "called off the worker");
+}
+
 // The counter stands for what the worker owns: only the gate orders its plain accesses.
-TEST(WorkerGate, WorkerAndHoldersExcludeEachOther) {
+TEST(WorkerGate, HoldersTakeTurnsAndTheWorkerMakesAPassBetweenThem) {
     std::atomic<bool> running{true};
     WorkerGate gate([] {});
     int passes = 0;
@@ -106,16 +133,16 @@ TEST(WorkerGate, WorkerAndHoldersExcludeEachOther) {
         EXPECT_EQ(passes, 0);
     }
     std::vector<std::thread> holders;
-    std::mutex holdersMutex;
+    int passesAtLastHold = 0;
     for (int i = 0; i < 4; ++i) {
         holders.emplace_back([&] {
             for (int round = 0; round < 200; ++round) {
-                const std::lock_guard lock(holdersMutex);
                 const WorkerGate::Hold hold(gate);
-                held = true;
-                const int before = passes;
+                EXPECT_FALSE(std::exchange(held, true));
+                EXPECT_GT(passes, passesAtLastHold);
+                passesAtLastHold = passes;
                 std::this_thread::yield();
-                EXPECT_EQ(passes, before);
+                EXPECT_EQ(passes, passesAtLastHold);
                 held = false;
             }
         });

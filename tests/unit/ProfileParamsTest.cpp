@@ -86,6 +86,8 @@ TEST(ProfileParamsTest, AddTellsTechnologyPersistenceAndInitialAttach) {
     const AddProfileParams params(everything(), true, static_cast<TechType>(2), true);
     EXPECT_EQ(params.dump().rfind("2 persist=true: ApnName=,", 0), 0U);
     EXPECT_TRUE(params.getIsIAProfile());
+    EXPECT_TRUE(params.getIsVelaProfile());
+    EXPECT_FALSE(AddProfileParams(params, true, TechType::TECH_3GPP, false).getIsIAProfile());
 }
 
 TEST(ProfileParamsTest, FilterDumpsCriteriaAndSelectorsFirst) {
@@ -102,10 +104,15 @@ TEST(ProfileParamsTest, FilterDumpsCriteriaAndSelectorsFirst) {
     filter.setApnName("ims");
     EXPECT_EQ(filter.dump(), "ApnNameSubset|: tech=3GPP,id=3,ApnName=ims,");
     EXPECT_EQ(FilterProfileParams(ProfileParams(filter)).dump(), "None: ApnName=ims,");
+    EXPECT_EQ(FilterProfileParams(ProfileParams(everything())).dump(),
+              "None: " + std::string(kEverything));
 }
 
 TEST(ProfileParamsTest, AssignmentTakesAbsenceToo) {
     ProfileParams params = everything();
+    const std::string longName(200, 'A');
+    params.setApnName(longName);
+    EXPECT_EQ(params.getApnName(), longName) << "as it was given";
     params = ProfileParams();
     EXPECT_EQ(params.dump(), "");
     EXPECT_EQ(params.getMaxPdnConnTimer(), 0);

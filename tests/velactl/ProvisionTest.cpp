@@ -1,17 +1,13 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
-#include <gmock/gmock.h>
 
 #include <algorithm>
-#include <fstream>
 
-#include "OperatorFile.h"
 #include "ToolRun.h"
+#include "operators/OperatorFile.h"
 
 namespace velactl {
 namespace {
-
-using testing::HasSubstr;
 
 const std::string kOperators = VELACTL_OPERATORS;
 
@@ -46,13 +42,11 @@ TEST_F(Provision, SetsClassesTypesAttachAndTheRest) {
  * second has nothing to do, and each entry is accounted for. */
 TEST_F(Provision, ASecondRunChangesNothing) {
     const OperatorFile file = OperatorFile::load(kOperators);
-    for (const Operator& candidate : file.operators()) {
+    file.forEach([&](const Operator& candidate) {
         SCOPED_TRACE(candidate.name());
         std::filesystem::remove(modem);
-        const std::string mvno =
-            candidate.mvnoType.empty() ? "" : candidate.mvnoType + ':' + candidate.mvnoData;
-        const auto first = provision(candidate.plmn.text(), mvno);
-        const auto second = provision(candidate.plmn.text(), mvno);
+        const auto first = provision(candidate.plmn.text(), candidate.mvno);
+        const auto second = provision(candidate.plmn.text(), candidate.mvno);
         EXPECT_FALSE(first["changes"].empty());
         EXPECT_EQ(first["entries"].size(), candidate.entries.size());
         EXPECT_TRUE(second["changes"].empty()) << second["changes"];
@@ -61,7 +55,7 @@ TEST_F(Provision, ASecondRunChangesNothing) {
         for (const auto& entry : second["entries"]) {
             EXPECT_THAT(entry["outcome"], testing::AnyOf("held", "refused")) << entry;
         }
-    }
+    });
 }
 
 TEST_F(Provision, EntriesInEachOthersWayKeepWhatTheyAskFor) {
@@ -101,89 +95,53 @@ TEST_F(Provision, AFullModemIsSaidAndStillStable) {
     EXPECT_THAT(run(arguments).out, HasSubstr("Nothing changed"));
 }
 
-/** What a run for one operator tells must also stand in the survey. */
-class OwnOperator : public Provision {
-  protected:
-    ToolRun provisionOwn(const std::string& content, std::vector<std::string> arguments) const {
-        const std::string file = directory / "own.xml";
-        std::ofstream(file) << "<apns>" << content << "</apns>";
-        arguments.insert(arguments.begin(), {"provision", "--apns", file});
-        if (arguments.back() == "--all") {
-            return runTool(arguments);
-        }
-        arguments.insert(arguments.end(), {"--plmn", "00101"});
-        return run(arguments);
-    }
-};
-
-TEST_F(OwnOperator, TheSurveyTellsWhatTheSingleRunTells) {
-    struct Case {
-        std::string entries;
-        std::vector<std::string> options;
-        int status;
-        const char* told;
-    };
-    const std::string start = R"(<apn mcc="001" mnc="01" carrier="C" apn=)";
-    const std::string inet = R"( type="default" modem_cognitive="true" )";
-    const Case cases[] = {
-        {start + R"("ims" type="ims,ia" modem_cognitive="true" profile_id="2"/>)",
-         {"--capacity", "1"},
-         1,
-         "no profile for it: the modem refused to create a profile: table full"},
-        {start + R"("a")" + inet + "/>" + start + R"("b")" + inet + "/>",
-         {},
-         0,
-         "class INET is another entry's"},
-        {start + R"("a" type="mms"/>)", {}, 0, "no entry of type ia or default"},
-        {start + R"("a" type="mms" mmsc="x"/>)", {"--explain"}, 0, "no field for mmsc"},
-        {start + R"("a" type="mms" mmsc="x"/>)", {"--json"}, 0, "\"not_sent\""},
-        {start + R"("a" type="mms"/><other/>)", {}, 0, "line 1: element <other> left out"},
-    };
-    for (const Case& each : cases) {
-        SCOPED_TRACE(each.told);
-        std::filesystem::remove(modem);
-        auto options = each.options;
-        const ToolRun single = provisionOwn(each.entries, options);
-        EXPECT_EQ(single.status, each.status) << single.err;
-        EXPECT_THAT(single.out, HasSubstr(each.told));
-        EXPECT_EQ(single.err.find("attach: no profile") != std::string::npos, each.status == 1);
-        options.emplace_back("--all");
-        const ToolRun survey = provisionOwn(each.entries, options);
-        EXPECT_EQ(survey.status, each.status) << survey.err;
-        EXPECT_THAT(survey.out, HasSubstr(each.told));
-    }
-}
-
 TEST_F(OwnOperator, ARewrittenProfileKeepsNothingInSilence) {
     run({"add", "--apn", "old", "--class", "INET", "--user", "joe", "--password", "pw",
          "--disabled"});
     const std::string entry =
         R"(<apn mcc="001" mnc="01" apn="new" type="default" modem_cognitive="true"/>)";
-    const auto first = provisionOwn(entry, {"--json"}).json()["entries"][0];
-    EXPECT_EQ(first["outcome"], "rewritten");
-    EXPECT_EQ(first["text"], "rewritten: profile 1, class INET");
-    const nlohmann::json leftOver{"but profile 1 has user=joe, password=***, disabled=yes"};
-    EXPECT_EQ(first["oddities"], leftOver);
-    const auto second = provisionOwn(entry, {"--json"}).json()["entries"][0];
-    EXPECT_EQ(second["outcome"], "held");
-    EXPECT_EQ(second["oddities"], leftOver);
+    const auto leftOver = nlohmann::json::parse(R"({"user": {"held": "joe", "asked": null},
+        "password": {"held": "***", "asked": null}, "disabled": {"held": true, "asked": null}})");
+    for (const char* outcome : {"rewritten", "held"}) {
+        const auto first = provisionOwn(entry, {"--json"}).json()["entries"][0];
+        EXPECT_EQ(first["outcome"], outcome);
+        EXPECT_EQ(first["index"], 1);
+        EXPECT_EQ(first["differences"], leftOver);
+    }
 }
 
-TEST(ProvisionAll, CountsEveryEntryAndChangesNothingASecondTime) {
-    const ToolRun result =
-        runTool({"--json", "provision", "--apns", kOperators, "--all", "--twice"});
-    EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_EQ(result.err, "");  // no progress bar: nobody watches
-    const auto totals = result.json()["totals"];
-    const std::size_t all = OperatorFile::load(kOperators).entries().size();
-    EXPECT_EQ(totals["entries"].get<std::size_t>() + totals["without_operator"].get<std::size_t>(),
-              all);
-    EXPECT_EQ(totals["added"].get<int>() + totals["shared"].get<int>() +
-                  totals["not_possible"].get<int>(),
-              totals["entries"].get<int>());
-    EXPECT_EQ(totals["operators"], 5);
-    EXPECT_EQ(totals["virtual_operators"], 1);
-    EXPECT_EQ(totals["wrong"], 0);
+/** What an attach profile that somebody else made keeps, and profiles that no entry asks for. */
+TEST_F(OwnOperator, EveryProfileOfTheResultIsJudged) {
+    run({"add", "--ia", "--apn", "old", "--user", "joe", "--max-conns", "9", "--home-ip", "IPv6",
+         "--roam-ip", "IPv6"});
+    run({"add", "--apn", "left", "--types", "default,emergency", "--class", "APP", "--emergency"});
+    run({"add", "--apn", "new", "--types", "default", "--user", "other"});
+    const std::string entries =
+        R"(<apn mcc="001" mnc="01" apn="new" type="default"/>
+           <apn mcc="001" mnc="01" apn="NEW" type="mms"/>)";
+    const auto result = provisionOwn(entries, {"--json"}).json();
+    EXPECT_EQ(result["attach"], nlohmann::json::parse(R"({"outcome": "found", "line": 1,
+        "index": 1, "reason": null, "can_serve": true, "differences": {
+            "user": {"held": "joe", "asked": null}, "max_conns": {"held": 9, "asked": null},
+            "types": {"held": ["default", "mms", "hipri"], "asked": ["default", "hipri"]}}})"));
+    EXPECT_EQ(result["profiles"], nlohmann::json::parse(R"([
+        {"technology": "3GPP", "index": 1, "apn": "new", "lines": [], "attach": true,
+         "like_line": null, "left_over": {}},
+        {"technology": "3GPP", "index": 2, "apn": "left", "lines": [], "attach": false,
+         "like_line": null, "left_over": {
+            "types": {"held": ["default", "emergency"], "asked": null},
+            "class": {"held": "APP", "asked": null}, "emergency": {"held": true, "asked": null}}},
+        {"technology": "3GPP", "index": 3, "apn": "new", "lines": [], "attach": false,
+         "like_line": null, "left_over": {"user": {"held": "other", "asked": null},
+            "types": {"held": ["default"], "asked": null}}},
+        {"technology": "3GPP", "index": 4, "apn": "new", "lines": [1, 2], "attach": false,
+         "like_line": null, "left_over": {}}])"));
+    const std::string text = provisionOwn(entries, {"--explain"}).out;
+    EXPECT_THAT(text, HasSubstr("Attach serves: profile 1 for line 1, but the profile has "
+                                "types=default,mms,hipri instead of default,hipri, user=joe, "
+                                "max_conns=9."));
+    EXPECT_THAT(text, HasSubstr("3GPP profile 2 (left) serves no entry: types=default,emergency, "
+                                "class=APP, emergency=yes"));
 }
 
 }  // namespace

@@ -2,21 +2,72 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <chrono>
-#include <cstdint>
-#include <vector>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
-#include "Driver.h"
-#include "Operation.h"
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstring>
+#include <new>
+#include <string>
+#include <system_error>
+#include <type_traits>
 
 namespace coherence {
 
+/** A plain value that a process shares with the processes that it forks. */
+template <typename Value>
+class Shared {
+    static_assert(std::is_trivially_copyable_v<Value>);
+
+  public:
+    Shared() {
+        void* memory = ::mmap(nullptr, sizeof(Value), PROT_READ | PROT_WRITE,
+                              MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+        if (memory == MAP_FAILED) {
+            throw std::system_error(errno, std::generic_category(), "mmap");
+        }
+        value = new (memory) Value{};
+    }
+    Shared(const Shared&) = delete;
+    Shared& operator=(const Shared&) = delete;
+    ~Shared() { ::munmap(value, sizeof(Value)); }
+
+    Value& operator*() const { return *value; }
+    Value* operator->() const { return value; }
+
+  private:
+    Value* value;
+};
+
 /**
- * Carries out a run in a process of its own, so that a crash or a hang is an outcome like any
- * other. Call it while this process has one thread only. The outcome has no journal.
- * @param atMost for the whole run; what takes longer hangs
+ * Carries out `job` in a process of its own, so that a crash or a hang is an outcome like any
+ * other. Call it while this process has one thread only.
+ * @param atMost for the whole job; what takes longer hangs
+ * @return how it failed to come to its end; empty: it did not
  */
-Outcome runApart(std::uint64_t seed, const std::vector<Operation>& operations,
-                 std::chrono::seconds atMost);
+template <typename Job>
+std::string runApart(Job job, std::chrono::seconds atMost) {
+    const pid_t child = ::fork();
+    if (child == -1) {
+        throw std::system_error(errno, std::generic_category(), "fork");
+    }
+    if (child == 0) {
+        ::alarm(static_cast<unsigned>(atMost.count()));
+        job();
+        ::_exit(0);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    if (WIFSIGNALED(status)) {
+        return WTERMSIG(status) == SIGALRM
+                   ? std::string("hangs")
+                   : std::string("crashes: ") + ::strsignal(WTERMSIG(status));
+    }
+    return WEXITSTATUS(status) == 0 ? ""
+                                    : "ends with status " + std::to_string(WEXITSTATUS(status));
+}
 
 }  // namespace coherence

@@ -111,7 +111,6 @@ class Exceptions {
         const auto whole = unread.find(id.technology);
         return whole == unread.end() || known.count(id) != 0 ? nullptr : whole->second;
     }
-    bool covers(ProfileId id) const { return reasonFor(id) != nullptr; }
 
   private:
     std::map<velasim::Technology, const char*> unread;

@@ -9,6 +9,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <variant>
 
 #include "vela/ProfileParams.h"
 
@@ -46,22 +47,21 @@ enum class Field {
     ProfileName
 };
 
+/** A text, or a number: a count, a flag, an enumerator, bits. */
+using Value = std::variant<std::string, std::int64_t>;
+
 /** The values of one profile as the library is expected to hold them; absent fields are left out.
  * APN types have the modem's bits. */
 struct Image {
     bool is3gpp2 = false;
-    std::map<Field, std::string> texts;
-    std::map<Field, std::int64_t> numbers;
+    std::map<Field, Value> values;
 
-    bool operator==(const Image&) const = default;
-
-    std::optional<std::string> text(Field field) const;
+    std::optional<Value> value(Field field) const;
     std::optional<std::int64_t> number(Field field) const;
 
     /** What `params` would change; all they ask for when the image is empty. */
     Image changesFor(const vela::ProfileParams& params) const;
     void apply(const Image& changes);
-    bool isEmpty() const { return texts.empty() && numbers.empty(); }
 
     bool matches(ProfileId id, const vela::FilterProfileParams& filter) const;
 
@@ -90,14 +90,48 @@ struct Image {
     Image changedIPTypes(const vela::ProfileParams& params) const;
 };
 
-/** As APN names are kept. */
-std::string lower(std::string text);
+/** The fields of `params` that clients and profiles of the technology have in common, as a client
+ * means them; IP types and selectors are none of them. */
+Image clientFields(const vela::ProfileParams& params, bool is3gpp2);
 
 /** The same settings with enumerators that mean nothing. */
 void garble(velasim::Settings& settings);
 
-/** Writes into `stored` what `written` has. */
-void merge(const velasim::Settings& written, velasim::Technology technology,
-           velasim::Settings& stored);
+// ---- Values, as the modem, the library's dump and clients have them (Value.cpp)
+
+inline constexpr std::size_t kApnLimit = 150;
+
+// IP types that mean more than themselves.
+inline constexpr std::int64_t kUnknown = 0;
+inline constexpr std::int64_t kV4V6 = 3;
+
+/** What a value is: this decides how it is told to the modem and how it is printed. */
+enum class ValueKind {
+    Text,
+    Count,
+    Flag,
+    ApnTypes,
+    ApnClass,
+    AuthType,
+    CommonIPType,
+    HomeIPType,
+    RoamIPType
+};
+
+/** Whether the modem has an enumeration of its own for it. */
+bool isEnumerator(ValueKind kind, bool is3gpp2);
+
+/** What the modem is told of a value; what does not fit is lost on the way. */
+std::uint64_t toModem(ValueKind kind, bool is3gpp2, std::int64_t value);
+
+/** What is understood of the modem's value; empty: as if it had not been told. */
+std::optional<std::int64_t> fromModem(ValueKind kind, bool is3gpp2, std::uint64_t value);
+
+/** As the library's dump prints it. */
+std::string printed(ValueKind kind, std::int64_t value);
+
+/** APN types from the clients' bits to the modem's, which is how a profile keeps them, and back. */
+std::int64_t modemTypesOf(std::int64_t clientTypes);
+std::int64_t clientTypesOf(std::int64_t modemTypes);
 
 }  // namespace coherence

@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "Mismatch.h"
+#include "Expect.h"
 
 namespace coherence {
 

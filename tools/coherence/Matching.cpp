@@ -2,9 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 
-#include "ClientFields.h"
 #include "Image.h"
-#include "Value.h"
 
 namespace coherence {
 
@@ -22,18 +20,18 @@ bool isWithin(std::int64_t part, std::int64_t whole) {
     return (part | whole) == whole;
 }
 
-bool matchesText(const Image& image, Field field, const std::string& wanted, bool isPartEnough) {
-    const auto held = image.text(field);
-    return held == wanted || (isPartEnough && held && held->find(wanted) != std::string::npos);
-}
-
-bool matchesNumber(const Image& image, Field field, std::int64_t wanted, bool isPartEnough) {
-    const auto held = image.number(field);
-    if (field != Field::ApnTypesMask) {
+bool matchesField(const Image& image, Field field, const Value& wanted, bool isPartEnough) {
+    const auto held = image.value(field);
+    if (!held || (field != Field::ApnName && field != Field::ApnTypesMask)) {
         return held == wanted;
     }
-    const auto types = modemTypesOf(wanted);
-    return held && (isPartEnough ? isWithin(types, *held) : types == *held);
+    if (field == Field::ApnName) {
+        const auto& part = std::get<std::string>(wanted);
+        return held == wanted ||
+               (isPartEnough && std::get<std::string>(*held).find(part) != std::string::npos);
+    }
+    const auto types = modemTypesOf(std::get<std::int64_t>(wanted));
+    return held == Value(types) || (isPartEnough && isWithin(types, std::get<std::int64_t>(*held)));
 }
 
 bool matchesFields(const Image& image, const FilterProfileParams& filter) {
@@ -41,14 +39,10 @@ bool matchesFields(const Image& image, const FilterProfileParams& filter) {
     const Image asked = clientFields(filter, false);
     const bool isNamePart = hasCriterion(filter, FilterMatchCriteria::ApnNameSubset);
     const bool isMaskPart = hasCriterion(filter, FilterMatchCriteria::ApnTypeBitmaskSubset);
-    return std::all_of(asked.texts.begin(), asked.texts.end(),
-                       [&](const auto& item) {
-                           return matchesText(image, item.first, item.second,
-                                              isNamePart && item.first == Field::ApnName);
-                       }) &&
-           std::all_of(asked.numbers.begin(), asked.numbers.end(), [&](const auto& item) {
-               return matchesNumber(image, item.first, item.second, isMaskPart);
-           });
+    return std::all_of(asked.values.begin(), asked.values.end(), [&](const auto& item) {
+        return matchesField(image, item.first, item.second,
+                            item.first == Field::ApnName ? isNamePart : isMaskPart);
+    });
 }
 
 struct IPCriteria {

@@ -1,5 +1,8 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
+//
+// What clients and others do, and what the library does of it. How it remembers is in
+// ModelCache.cpp.
 #include "Model.h"
 
 #include <wds_service_v01.h>
@@ -14,7 +17,11 @@ namespace {
 using velasim::Technology;
 
 // What the library does on purpose although it may surprise. The rest of the list is in
-// ModelCache.cpp and Exceptions.h; docs/coherence.md tells each story.
+// Exceptions.h; docs/coherence.md tells each story.
+constexpr bool kRefusedModifyReportsTrue = true;
+constexpr bool kModifyOfEmptyEntryReportsTrue = true;
+constexpr bool kIgnoredReleaseLowersCount = false;
+constexpr bool kRefreshForgetsPending = false;
 constexpr bool kBlockedReleaseIsMadeUpForLater = false;
 
 }  // namespace
@@ -26,6 +33,7 @@ void Model::witness(const std::vector<velasim::JournalEntry>& entries,
 }
 
 void Model::finish() {
+    rest();
     modem.finish();
     keys.finish();
 }
@@ -33,89 +41,173 @@ void Model::finish() {
 // ---- Client operations
 
 bool Model::add(unsigned slot, const vela::AddProfileParams& params) {
-    const auto added = isBlocked ? std::nullopt : cache.add(params);
-    rest();
+    const auto added = isBlocked ? std::nullopt : create(params);
+    rest();  // the client gets the key when all is done
     if (added) {
         keys.hold(slot, added->first, added->second);
     }
     return added.has_value();
 }
 
+std::optional<Model::Named> Model::create(const vela::AddProfileParams& params) {
+    const auto token = nextToken++;
+    const auto technology = static_cast<Technology>(params.getTechType());
+    if (technology != Technology::ThreeGpp && technology != Technology::ThreeGpp2) {
+        return std::nullopt;
+    }
+    const ProfileId id{technology, freeIndex(modem.table(), technology, modem.capacity)};
+    Entry entry{id, {id.is3gpp2(), {}}, params.getIsPersistent(), true, 1, {}};
+    entry.image = entry.image.changesFor(params);
+    if (!id.is3gpp2()) {
+        entry.image.values[Field::ProfileName] =
+            params.getIsIAProfile() ? "vela_profile_ia" : "vela_profile";
+    }
+    auto settings = entry.image.settings();
+    velasim::setNumber(settings, "persistence_flag", entry.isPersistent ? 1 : 0);
+    const auto reply =
+        modem.request(RLINK_WDS_CREATE_PROFILE_REQ_V01, ModelModem::anyOf(technology),
+                      id.index != 0, [&] { store(modem.table(), id, settings); });
+    onOwnRequest(id, kCreation, reply);
+    if (!reply.isSuccess) {
+        return std::nullopt;
+    }
+    cache[token] = entry;
+    exceptions.onLearnt(id);
+    pending.push_back({id, Event::Create});
+    pending.push_back({id, Event::Modify});
+    return Named{token, id};
+}
+
 bool Model::modify(unsigned slot, const vela::ModifyProfileParams& params) {
-    const auto token = tokenOf(slot);
-    const bool isDone = !isBlocked && token && cache.modify(*token, params);
-    rest();
-    return isDone;
+    auto* cached = look(slot);
+    if (cached == nullptr) {
+        return false;
+    }
+    if (!*cached) {
+        return kModifyOfEmptyEntryReportsTrue;
+    }
+    auto& entry = **cached;
+    const auto changes = entry.image.changesFor(params);
+    if (changes.values.empty()) {
+        return true;
+    }
+    const auto reply = modem.request(RLINK_WDS_MODIFY_PROFILE_SETTINGS_REQ_V01, entry.id,
+                                     modem.table().count(entry.id) != 0,
+                                     [&] { store(modem.table(), entry.id, changes.settings()); });
+    onOwnRequest(entry.id, {Event::Modify}, reply);
+    if (reply.isSuccess) {
+        entry.image.apply(changes);
+        pending.push_back({entry.id, Event::Modify});
+    }
+    return reply.isSuccess || kRefusedModifyReportsTrue;
 }
 
 bool Model::remove(unsigned slot) {
     const auto key = keys.at(slot);
-    const bool isRemoved = !isBlocked && key && cache.remove(key->token, key->id);
-    rest();
-    return isRemoved;
+    if (look(slot) == nullptr || !removeFromModem(key->id)) {
+        return false;
+    }
+    const auto entry = cache.extract(key->token).mapped();
+    if (entry) {
+        expire({entry});
+        pending.push_back({key->id, Event::Delete});
+    } else {
+        onUnknownChange(key->id, {Event::Delete});  // its indication is nobody's
+    }
+    return true;
 }
 
-std::optional<vela::ProfileParams> Model::get(unsigned slot) const {
-    const auto* entry = find(slot);
-    return entry == nullptr ? std::nullopt : std::optional(entry->image.params());
+std::optional<vela::ProfileParams> Model::get(unsigned slot) {
+    const auto* cached = look(slot);
+    return cached && *cached ? std::optional((*cached)->image.params()) : std::nullopt;
 }
 
-bool Model::match(unsigned slot, const vela::FilterProfileParams& params) const {
-    const auto* entry = find(slot);
-    return entry != nullptr && entry->image.matches(entry->id, params);
+bool Model::match(unsigned slot, const vela::FilterProfileParams& params) {
+    const auto* cached = look(slot);
+    return cached && *cached && (*cached)->image.matches((*cached)->id, params);
 }
 
 std::vector<std::uint64_t> Model::filter(const vela::FilterProfileParams& params) {
-    std::vector<std::uint64_t> tokens;
-    if (!isBlocked) {
-        for (const auto& [token, id] : cache.filter(params)) {
-            tokens.push_back(token);
-            keys.hold(token, id);
+    std::map<std::uint64_t, ProfileId> found;
+    for (auto& [token, cached] : cache) {
+        if (!isBlocked && cached && cached->image.matches(cached->id, params)) {
+            ++cached->count;
+            found.emplace(token, cached->id);
         }
+    }
+    std::vector<std::uint64_t> tokens;
+    for (const auto& [token, id] : found) {
+        tokens.push_back(token);
+        keys.hold(token, id);
     }
     return tokens;
 }
 
-void Model::endUse() {
-    if (const auto token = keys.endUse()) {
-        dropToken(*token);
-    }
-}
-
-void Model::drop(unsigned slot) {
-    if (const auto token = keys.drop(slot)) {
-        dropToken(*token);
-    }
-}
-
-void Model::dropToken(std::uint64_t token) {
-    if (!isBlocked || kBlockedReleaseIsMadeUpForLater) {
-        cache.release(token);
+void Model::release(std::optional<std::uint64_t> token) {
+    if (token && (!isBlocked || kBlockedReleaseIsMadeUpForLater)) {
+        releaseToken(*token);
     }
     rest();
 }
 
+void Model::releaseToken(std::uint64_t token) {
+    const auto found = cache.find(token);
+    if (found == cache.end() || !found->second) {
+        return;
+    }
+    auto& entry = *found->second;
+    std::erase_if(entry.listeners, [&](const auto& listener) { return !keys.isAlive(listener); });
+    const bool isLast = entry.count < 2;
+    if (!isLast || kIgnoredReleaseLowersCount) {
+        --entry.count;
+    }
+    const auto id = entry.id;
+    if (isLast && !entry.isPersistent && entry.isVelaCreated && removeFromModem(id)) {
+        pending.push_back({id, Event::Delete});
+        expire({cache.extract(token).mapped()});
+    }
+}
+
 void Model::listen(unsigned slot, int listener, unsigned victim) {
     const auto taken = keys.listener(slot, listener, victim);
-    const auto token = tokenOf(slot);
-    if (taken && token && !isBlocked) {
-        cache.listen(*token, *taken);
+    if (auto* cached = look(slot); taken && cached && *cached) {
+        (*cached)->listeners.push_back(*taken);
     }
 }
 
 void Model::refresh(bool isStart) {
     isBlocked = isStart;
     if (!isStart) {
-        cache.reload();
+        reload();
     }
-    rest();
 }
 
 void Model::init(int instance) {
     keys.startPipeline();
     modem.startOver(instance);
-    cache.startOver();
+    exceptions.startOver();
+    pending.clear();
+    dropAll();
     isBlocked = false;
+}
+
+bool Model::removeFromModem(ProfileId id) {
+    const auto reply =
+        modem.request(RLINK_WDS_DELETE_PROFILE_REQ_V01, id, modem.table().count(id) != 0,
+                      [&] { modem.table().erase(id); });
+    onOwnRequest(id, {Event::Delete}, reply);
+    return reply.isSuccess;
+}
+
+/** What a request of the library's own means for the exceptions. */
+void Model::onOwnRequest(ProfileId id, const Events& events, const ModelModem::Reply& reply) {
+    if (reply.isSuccess) {
+        exceptions.onOwnChange(id);
+    } else if (reply.isAnnounced) {
+        onUnknownChange(id, events);
+    } else if (reply.hasEffect) {
+        exceptions.add(id, kUnheard);
+    }
 }
 
 // ---- The modem's side
@@ -148,9 +240,25 @@ bool Model::foreignDelete(int instance, ProfileId id) {
     return true;
 }
 
-void Model::onForeignChange(int instance, ProfileId id, const ModelCache::Events& events) {
+void Model::onForeignChange(int instance, ProfileId id, const Events& events) {
     if (modem.isHome(instance)) {
-        cache.onForeignChange(id, events);
+        onUnknownChange(id, events);
+    }
+}
+
+/** The modem's `id` was changed, not by the library as far as it knows. */
+void Model::onUnknownChange(ProfileId id, const Events& events) {
+    if (!modem.isSubscribed()) {
+        exceptions.add(id, kUnheard);
+        return;
+    }
+    exceptions.expectForeign(id);
+    const auto isExpected = [&](Event event) {
+        return std::find(pending.begin(), pending.end(), Arrival::Change{id, event}) !=
+               pending.end();
+    };
+    if (std::any_of(events.begin(), events.end(), isExpected)) {
+        exceptions.add(id, kSwallowed);
     }
 }
 
@@ -161,49 +269,14 @@ void Model::settle() {
     }
 }
 
-// ---- The state
+// ---- What the library does before it rests
 
-std::optional<std::uint64_t> Model::tokenOf(unsigned slot) const {
-    const auto& key = keys.at(slot);
-    return key ? std::optional(key->token) : std::nullopt;
-}
-
-bool Model::isHealed() const {
-    const auto& table = modem.homeTable();
-    return std::all_of(table.begin(), table.end(),
-                       [&](const auto& item) { return !exceptions.covers(item.first); });
-}
-
-// ---- Steps
-
-const ModelCache::Entry* Model::find(unsigned slot) const {
-    const auto token = isBlocked ? std::nullopt : tokenOf(slot);
-    return token ? cache.find(*token) : nullptr;
-}
-
-void Model::handleArrivals() {
-    while (!modem.arrivals.empty()) {
-        const auto arrival = modem.arrivals.front();
-        modem.arrivals.pop_front();
-        if (arrival.messageId != RLINK_WDS_PROFILE_CHANGED_IND_V01) {
-            continue;
-        }
-        if (!arrival.isDecodable()) {
-            return;  // the rest waits until something else arrives
-        }
-        if (const auto change = arrival.change()) {
-            cache.follow(*change);
-        }
-    }
-}
-
-/** What the library does before it rests. */
 void Model::rest() {
     modem.lookAhead();
     do {
         while (const auto token = keys.takeDeferred()) {
             if (!isBlocked) {
-                cache.release(*token);
+                releaseToken(*token);
             }
         }
         handleSignal();
@@ -224,6 +297,62 @@ void Model::handleSignal() {
         case ModelModem::Signal::ClientLost:
             return modem.onClientLost();
     }
+}
+
+void Model::handleArrivals() {
+    while (!modem.arrivals.empty()) {
+        const auto arrival = modem.arrivals.front();
+        modem.arrivals.pop_front();
+        if (arrival.messageId != RLINK_WDS_PROFILE_CHANGED_IND_V01) {
+            continue;
+        }
+        if (!arrival.isDecodable()) {
+            return;  // the rest waits until something else arrives
+        }
+        if (const auto change = arrival.change()) {
+            follow(*change);
+        }
+    }
+}
+
+void Model::follow(const Arrival::Change& change) {
+    const auto own = std::find(pending.begin(), pending.end(), change);
+    if (own != pending.end()) {
+        pending.erase(own);
+        return;
+    }
+    switch (change.event) {
+        case Event::Create:
+            cache[nextToken++] = read(change.id);
+            exceptions.onLearnt(change.id);
+            return;
+        case Event::Delete:
+            for (const auto token : tokensOf(change.id)) {
+                expire({cache.extract(token).mapped()});
+            }
+            return;
+        case Event::Modify:
+            for (const auto token : tokensOf(change.id)) {
+                expire({std::exchange(cache.at(token), read(change.id))});
+            }
+            return;
+        case Event::SubscriptionChange:
+        case Event::ProfileReady:
+            return reload();
+    }
+}
+
+void Model::reload() {
+    dropAll();
+    if (kRefreshForgetsPending) {
+        pending.clear();
+    }
+    exceptions.onReload();
+    if (!readAll(Technology::ThreeGpp)) {
+        exceptions.addAll(Technology::ThreeGpp2, kListFailed);  // not asked for
+        return;
+    }
+    readAll(Technology::ThreeGpp2);
 }
 
 }  // namespace coherence

@@ -3,26 +3,27 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
+#include <list>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "Exceptions.h"
 #include "Image.h"
 #include "KeyRing.h"
-#include "ModelCache.h"
 #include "ModelModem.h"
 #include "vela/ProfileParams.h"
 
 namespace coherence {
 
 /**
- * What the library promises, in plain words: clients' keys in numbered slots, what it remembers,
- * its connection to the modem, and whether a refresh blocks it. Each operation is told after it
- * happened, with the journal as witness, and says what must have come of it; throws Mismatch when
- * that is not what the journal shows.
+ * What the library promises, in plain words: clients' keys in numbered slots, the profiles that it
+ * remembers by token with their counts and listeners, the indications that it expects of its own
+ * changes, its connection to the modem, and whether a refresh blocks it. Each operation is told
+ * after it happened, with the journal as witness, and says what must have come of it; throws
+ * Mismatch when that is not what the journal shows.
  */
 class Model {
   public:
@@ -33,9 +34,10 @@ class Model {
 
     /** What is to be predicted next, and the listeners that ran meanwhile, in order. */
     void witness(const std::vector<velasim::JournalEntry>& entries, std::vector<KeyRing::Call> ran);
-    /** See ModelCache. */
-    void startTokensAt(std::uint64_t token) { cache.startTokensAt(token); }
-    /** Fails when more happened than was predicted. */
+    /** The library's counter of tokens stands at `token`. Only while nothing is remembered. */
+    void startTokensAt(std::uint64_t token) { nextToken = token; }
+    /** The library does what is left to do, whatever happened to it. Fails when more happened than
+     * was predicted. */
     void finish();
 
     // ---- a client's operations; results as the library's
@@ -43,16 +45,16 @@ class Model {
     bool add(unsigned slot, const vela::AddProfileParams& params);
     bool modify(unsigned slot, const vela::ModifyProfileParams& params);
     bool remove(unsigned slot);
-    std::optional<vela::ProfileParams> get(unsigned slot) const;
-    bool match(unsigned slot, const vela::FilterProfileParams& params) const;
+    std::optional<vela::ProfileParams> get(unsigned slot);
+    bool match(unsigned slot, const vela::FilterProfileParams& params);
     /** Fills the empty slots, least token first. Returns the tokens of all keys; those without a
-     * slot are to be dropped with dropToken(). */
+     * slot are to be dropped with release(). */
     std::vector<std::uint64_t> filter(const vela::FilterProfileParams& params);
-    void drop(unsigned slot);
+    void drop(unsigned slot) { release(keys.drop(slot)); }
     /** Someone holds the slot's key for a while, whatever listeners drop meanwhile. */
     void use(unsigned slot) { keys.use(slot); }
-    void endUse();
-    void dropToken(std::uint64_t token);
+    void endUse() { release(keys.endUse()); }
+    void release(std::optional<std::uint64_t> token);
     /** A listener that drops the key in `victim` when it runs. */
     void listen(unsigned slot, int listener, unsigned victim);
     void refresh(bool isStart);
@@ -73,8 +75,6 @@ class Model {
     void serviceUp() { modem.serviceUp(); }
     void restart() { modem.powerCycle(); }
     void delayedReleased() { exceptions.onDelayedReleased(); }
-    /** The library does what is left to do, whatever happened to it. */
-    void rest();
     /** Nothing is under way any more. */
     void settle();
 
@@ -83,27 +83,65 @@ class Model {
     bool isSubscribed() const { return modem.isSubscribed(); }
     bool isCutOff() const { return modem.isCutOff(); }
     bool isLive(unsigned slot) const { return keys.at(slot).has_value(); }
-    std::optional<std::uint64_t> tokenOf(unsigned slot) const;
-    /** See ModelCache. */
-    std::vector<std::string> dump() const { return cache.dump(); }
+    /** The library's dump but for its log, entries by token. */
+    std::vector<std::string> dump() const;
     const Table& table(int instance) const { return modem.tableOf(instance); }
-    ModelCache::Comparison compareWithModem() const { return cache.compareWithModem(); }
+    /** How many profiles were compared, and for how many an exception was claimed. */
+    struct Comparison {
+        std::uint64_t compared = 0;
+        std::uint64_t excused = 0;
+    };
+    /** Compares with the modem's table wherever no exception is claimed. */
+    Comparison compareWithModem() const;
     /** No indication waits in the library. */
     bool hasHandledAll() const { return modem.arrivals.empty(); }
     /** No exception is claimed for anything that is. */
     bool isHealed() const;
 
   private:
-    /** What the key in the slot answers with; null when it does not. */
-    const ModelCache::Entry* find(unsigned slot) const;
-    void onForeignChange(int instance, ProfileId id, const ModelCache::Events& events);
-    void handleArrivals();
+    struct Entry {
+        ProfileId id;
+        Image image;
+        bool isPersistent = true;
+        bool isVelaCreated = false;
+        int count = 0;
+        KeyRing::Listeners listeners;
+    };
+    using Cached = std::optional<Entry>;  // empty: what could not be read
+    using Events = std::vector<Event>;
+    using Named = std::pair<std::uint64_t, ProfileId>;
+
+    void rest();
     void handleSignal();
+    void handleArrivals();
+    void follow(const Arrival::Change& change);
+    void reload();
+    void onForeignChange(int instance, ProfileId id, const Events& events);
+    void onUnknownChange(ProfileId id, const Events& events);
+
+    std::optional<Named> create(const vela::AddProfileParams& params);
+    bool removeFromModem(ProfileId id);
+    void releaseToken(std::uint64_t token);
+    void onOwnRequest(ProfileId id, const Events& events, const ModelModem::Reply& reply);
+
+    /** Null when the library refuses, or has no entry for the slot's key. */
+    Cached* look(unsigned slot);
+    std::vector<std::uint64_t> tokensOf(ProfileId id) const;
+    Cached read(ProfileId id);
+    bool readAll(velasim::Technology technology);
+    void dropAll();
+    void expire(std::vector<Cached> dying);
+    void compareWithModem(ProfileId id, const std::vector<const Entry*>& entries) const;
 
     Exceptions exceptions;
     ModelModem modem;
     KeyRing keys{kSlots};
-    ModelCache cache{modem, exceptions, keys};
+
+    // The library's kind of map, with the same done to it in the same order: which of several reads
+    // fills which of two entries of one profile depends on the order in which it is walked.
+    std::unordered_map<std::uint64_t, Cached> cache;
+    std::list<Arrival::Change> pending;
+    std::uint64_t nextToken = 0;
     bool isBlocked = false;
 };
 

@@ -39,6 +39,29 @@ bool contains(const std::set<Fault>& faults, std::initializer_list<Fault> any) {
 
 }  // namespace
 
+int freeIndex(const Table& table, Technology technology, unsigned capacity) {
+    for (int index = 1; index <= static_cast<int>(capacity); ++index) {
+        if (table.count({technology, index}) == 0) {
+            return index;
+        }
+    }
+    return 0;
+}
+
+void store(Table& table, ProfileId id, const velasim::Settings& settings) {
+    auto& stored = table[id];
+    if (stored.persistence_flag_valid == 0) {
+        stored.persistence_flag_valid = stored.persistence_flag = 1;
+    }
+    for (const auto& name : velasim::fieldNames(id.technology)) {
+        if (const auto text = velasim::textOf(settings, name)) {
+            velasim::setText(stored, name, *text);
+        } else if (const auto number = velasim::numberOf(settings, name)) {
+            velasim::setNumber(stored, name, *number);
+        }
+    }
+}
+
 std::string Arrival::Change::text() const {
     constexpr const char* kTexts[] = {"Create", "Delete", "Modify", "SubscriptionChange",
                                       "ProfileReady"};

@@ -15,9 +15,8 @@
 #include <vector>
 
 #include "Exceptions.h"
+#include "Expect.h"
 #include "Image.h"
-#include "Mismatch.h"
-#include "Table.h"
 
 namespace coherence {
 
@@ -26,6 +25,15 @@ enum class Event { Create, Delete, Modify, SubscriptionChange, ProfileReady };
 
 /** What is told of a profile that was created. */
 inline const std::vector<Event> kCreation{Event::Create, Event::Modify};
+
+/** The profiles of one modem instance. */
+using Table = std::map<ProfileId, velasim::Settings>;
+
+/** The lowest free number; 0: none. */
+int freeIndex(const Table& table, velasim::Technology technology, unsigned capacity);
+
+/** Makes or changes a profile: writes what `settings` has. */
+void store(Table& table, ProfileId id, const velasim::Settings& settings);
 
 /** An indication as it arrives at the library. */
 struct Arrival {
@@ -65,6 +73,9 @@ class ModelModem {
 
     ModelModem(unsigned capacity, Exceptions& exceptions)
         : capacity(capacity), exceptions(exceptions) {}
+
+    /** Stands for a request about no profile in particular. */
+    static ProfileId anyOf(velasim::Technology technology) { return {technology, -1}; }
 
     /** The journal of what is to be predicted next. */
     void witness(const std::vector<velasim::JournalEntry>& entries);

@@ -1,6 +1,6 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
-#include "Value.h"
+#include "Image.h"
 
 #include <algorithm>
 #include <array>
@@ -43,6 +43,11 @@ std::int64_t authTypeKept(bool is3gpp2, std::int64_t value) {
     return !is3gpp2 ? value & 3 : value >= 1 && value <= 3 ? value : 0;
 }
 
+bool isIPType(ValueKind kind) {
+    return kind == ValueKind::CommonIPType || kind == ValueKind::HomeIPType ||
+           kind == ValueKind::RoamIPType;
+}
+
 std::int64_t bit(unsigned position) {
     return std::int64_t{1} << position;
 }
@@ -66,8 +71,7 @@ std::vector<std::string> namesOf(ValueKind kind) {
 }  // namespace
 
 bool isEnumerator(ValueKind kind, bool is3gpp2) {
-    return kind == ValueKind::CommonIPType || kind == ValueKind::HomeIPType ||
-           kind == ValueKind::RoamIPType || (kind == ValueKind::AuthType && is3gpp2);
+    return isIPType(kind) || (kind == ValueKind::AuthType && is3gpp2);
 }
 
 std::uint64_t toModem(ValueKind kind, bool is3gpp2, std::int64_t value) {

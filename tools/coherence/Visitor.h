@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 #include <thread>
 #include <utility>
 
@@ -24,7 +25,12 @@ class Visitor : public vela::IProfileKey {
     int getProfileId() const override { return 0; }
     vela::TechType getTechType() const override { return vela::TechType::TECH_3GPP; }
     void registerExpirationListener(std::function<void()> /*callback*/) override {}
-    std::string dump() const override;
+    std::string dump() const override {
+        if (visit && std::this_thread::get_id() != owner) {
+            std::exchange(visit, nullptr)();
+        }
+        return "visitor";
+    }
 
   private:
     const std::thread::id owner = std::this_thread::get_id();

@@ -3,22 +3,49 @@
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
-#include <string>
+#include <algorithm>
+#include <chrono>
+#include <iomanip>
+#include <iostream>
+#include <sstream>
 
-#include "Campaign.h"
+#include "Apart.h"
+#include "Driver.h"
+#include "Shrink.h"
 
 namespace {
+
+using coherence::Operation;
+using coherence::Outcome;
+
+/** A candidate for a shorter run that takes longer hangs. */
+constexpr std::chrono::seconds kPatience{20};
+
+/** Many random runs. */
+struct Campaign {
+    std::uint64_t seeds = 500;
+    std::uint64_t first = 1;
+    std::uint64_t steps = 200;
+    /** Faults that strike throughout, instead of the usual ones. */
+    std::vector<velasim::FaultRule> mix;
+};
+
+velasim::FaultRule standing(velasim::Fault fault, double probability) {
+    velasim::FaultRule rule;
+    rule.fault = fault;
+    rule.count = 0;
+    rule.probability = probability;
+    return rule;
+}
 
 /** A standing rule from NAME or NAME=PROBABILITY. */
 velasim::FaultRule ruleFrom(const std::string& text) {
     const auto equals = text.find('=');
     const auto fault = velasim::faultNamed(text.substr(0, equals));
-    velasim::FaultRule rule;
-    rule.count = 0;
-    rule.probability = 0.1;
+    double probability = 0.1;
     const bool isNumber = equals == std::string::npos ||
-                          CLI::detail::lexical_cast(text.substr(equals + 1), rule.probability);
-    if (!fault || !isNumber || !(rule.probability > 0 && rule.probability <= 1)) {
+                          CLI::detail::lexical_cast(text.substr(equals + 1), probability);
+    if (!fault || !isNumber || !(probability > 0 && probability <= 1)) {
         std::string names;
         for (const auto each : velasim::allFaults()) {
             names += " " + toString(each);
@@ -26,39 +53,126 @@ velasim::FaultRule ruleFrom(const std::string& text) {
         throw CLI::ValidationError("--fault", text + " is not NAME or NAME=PROBABILITY, with a " +
                                                   "probability up to 1 and a name of:" + names);
     }
-    rule.fault = *fault;
-    return rule;
+    return standing(*fault, probability);
 }
 
-/** Empty when it is one; the parser itself would take a sign and octal digits. */
-std::string wrongNumber(const std::string& text) {
-    constexpr std::size_t kMostDigits = 9;
-    const bool isFine = !text.empty() && text.size() <= kMostDigits && text[0] != '0' &&
-                        text.find_first_not_of("0123456789") == std::string::npos;
-    return isFine ? "" : text + " is not a number from 1 to 999999999";
+/** A run in a process of its own. */
+Outcome runApart(std::uint64_t seed, const std::vector<Operation>& operations,
+                 std::chrono::seconds atMost) {
+    const coherence::Shared<Outcome> outcome;
+    const auto end =
+        coherence::runApart([&] { coherence::run(seed, operations, *outcome); }, atMost);
+    if (!end.empty()) {
+        outcome->fail(end);
+    }
+    return *outcome;
+}
+
+std::string describe(const Outcome& outcome, const std::vector<Operation>& operations) {
+    std::ostringstream out;
+    out << outcome.failure.data() << "\n  at step " << outcome.step + 1 << " of "
+        << operations.size() << (outcome.step < operations.size() ? "" : " (the reload at the end)")
+        << "\n";
+    return out.str();
+}
+
+/** Profiles have texts of any bytes; whoever reads of them needs lines. */
+std::string legible(const std::string& text) {
+    std::ostringstream shown;
+    shown << std::hex << std::uppercase << std::setfill('0');
+    for (const char byte : text) {
+        if (byte == '\n' || (byte >= ' ' && byte <= '~')) {
+            shown << byte;
+        } else {
+            shown << "\\x" << std::setw(2) << +static_cast<unsigned char>(byte);
+        }
+    }
+    return shown.str();
+}
+
+/** What failed, how to replay it, and the shortest run found that shows it. */
+std::string describeFailure(const Campaign& campaign, std::uint64_t seed,
+                            std::vector<Operation> operations, const Outcome& outcome) {
+    std::ostringstream out;
+    out << "seed " << seed << ": " << describe(outcome, operations)
+        << "replay: ./dev coherence --replay " << seed << " --steps " << campaign.steps;
+    for (const auto& rule : campaign.mix) {
+        out << " --fault " << toString(rule.fault) << "=" << rule.probability;
+    }
+    operations.resize(std::min(operations.size(), outcome.step + 1));
+    const auto shortest = coherence::shrink(operations, [&](const auto& candidate) {
+        return runApart(seed, candidate, kPatience).isFailure();
+    });
+    out << "\nshrunk to " << shortest.size() << " steps:\n";
+    for (std::size_t i = 0; i < shortest.size(); ++i) {
+        out << "  " << i + 1 << ". " << shortest[i].line() << "\n";
+    }
+    out << "which fail with: " << describe(runApart(seed, shortest, kPatience), shortest);
+    return legible(out.str());
+}
+
+/** Prints the figures, or the first failure. True: all seeds passed. */
+bool run(const Campaign& campaign) {
+    const auto begin = std::chrono::steady_clock::now();
+    // Far more than a run takes, under a sanitizer as well.
+    const std::chrono::seconds patience(120 + campaign.steps / 10);
+    Outcome sum{};
+    for (auto seed = campaign.first; seed < campaign.first + campaign.seeds; ++seed) {
+        const auto operations = coherence::randomOperations(seed, campaign.steps, campaign.mix);
+        const auto outcome = runApart(seed, operations, patience);
+        if (outcome.isFailure()) {
+            std::cout << describeFailure(campaign, seed, operations, outcome);
+            return false;
+        }
+        sum.compared += outcome.compared;
+        sum.excused += outcome.excused;
+        sum.faults += outcome.faults;
+    }
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
+    std::cout << campaign.seeds << " seeds of " << campaign.steps << " steps passed in "
+              << took.count() << " s: " << sum.faults << " faults struck; " << sum.compared
+              << " times a cached profile was the modem's, " << sum.excused
+              << " times it was excused" << std::endl;
+    return true;
+}
+
+/** The same runs again for each fault alone. */
+bool runEachFault(Campaign campaign) {
+    const auto faults = velasim::allFaults();
+    return std::all_of(faults.begin(), faults.end(), [&](velasim::Fault fault) {
+        constexpr double kOften = 0.1;
+        std::cout << toString(fault) << ": ";
+        campaign.mix = {standing(fault, kOften)};
+        return run(campaign);
+    });
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    coherence::Campaign campaign;
+    Campaign campaign;
     CLI::App app("random runs of the library against a model of what it promises");
     const auto addNumber = [&](const char* name, std::uint64_t& value, const char* description) {
-        return app.add_option(name, value, description)->check(wrongNumber)->capture_default_str();
+        return app.add_option(name, value, description)
+            ->check(CLI::Range(1, 999'999'999))
+            ->capture_default_str();
     };
     addNumber("--seeds", campaign.seeds, "how many runs");
     addNumber("--first", campaign.first, "seed of the first run");
     addNumber("--steps", campaign.steps, "length of each run");
     const auto addFault = [&](const std::string& text) { campaign.mix.push_back(ruleFrom(text)); };
-    app.add_option_function<std::string>(
-           "--fault", addFault,
-           "NAME[=PROBABILITY], repeatable: these faults strike throughout, and no others")
-        ->trigger_on_parse();
+    auto* fault = app.add_option_function<std::string>(
+        "--fault", addFault,
+        "NAME[=PROBABILITY], repeatable: these faults strike throughout, and no others");
+    fault->trigger_on_parse();
+    bool isEachFault = false;
+    app.add_flag("--each-fault", isEachFault, "the runs again for each fault alone")
+        ->excludes(fault);
     auto* replay = addNumber("--replay", campaign.first, "one run only, of this seed");
     replay->excludes("--seeds")->excludes("--first");
     CLI11_PARSE(app, argc, argv);
     if (*replay) {
         campaign.seeds = 1;
     }
-    return campaign.run() ? 0 : 1;
+    return (isEachFault ? runEachFault(campaign) : run(campaign)) ? 0 : 1;
 }

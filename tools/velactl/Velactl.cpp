@@ -1,128 +1,157 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
-#include "Velactl.h"
+#include "velactl/Velactl.h"
 
-#include <CLI/App.hpp>
-#include <CLI/Config.hpp>
-#include <CLI/Formatter.hpp>
 #include <algorithm>
 #include <exception>
-#include <memory>
+#include <utility>
 
-#include "Commands.h"
-#include "NumberOption.h"
-#include "Text.h"
+#include "profiles/Output.h"
+#include "profiles/Text.h"
+#include "scenario/Operation.h"
+#include "scenario/Stage.h"
+#include "velactl/Playing.h"
 
 namespace velactl {
 
 namespace {
 
-constexpr int kMaxInstance = 15;
-constexpr unsigned kMaxCapacity = 255;
+constexpr int kSchema = 1;
 
-std::string missingName(const std::string& path) {
-    return path.empty() ? "the file's name is empty; leave the option out for a new modem" : "";
+bool isAmong(const Names& words, const std::string& option) {
+    return std::find(words.begin(), words.end(), option) != words.end();
 }
 
-void addGlobalOptions(CLI::App& app, Options& options) {
-    app.add_option("--modem", options.modem.file,
-                   "file that keeps the simulated modem's memory between runs")
-        ->check(missingName);
-    addNumber(app, "--instance", options.modem.instance, "modem instance (subscription), from 0", 0,
-              kMaxInstance);
-    addNumber(app, "--capacity", options.modem.capacity,
-              "profiles per technology of the simulated modem (16 when it is new)", 1U,
-              kMaxCapacity);
-    app.add_flag("--json", options.json, "one JSON document instead of text");
-    app.add_flag("--show-secrets", options.showSecrets, "do not mask passwords");
-    app.add_flag("--log", options.log, "the library's log lines on the error stream");
+/** Puts the verb first, which may stand behind options. */
+void leadWithVerb(ScenarioWords& words) {
+    const auto options = optionsOf(kEveryVerb);
+    auto verb = words.begin();
+    while (verb < words.end() && verb->isOption()) {
+        const Option* option = findOption(options, verb->text);
+        verb += option != nullptr && !option->value.empty() ? 2 : 1;
+    }
+    if (verb >= words.end()) {
+        throw badUsage("no verb; velactl help lists them");
+    }
+    std::rotate(words.begin(), verb, verb + 1);
 }
 
-/** What is wrong with a command line that names no verb. */
-std::string wrongVerb(const CLI::App& app) {
-    std::vector<std::string> verbs;
-    for (const CLI::App* verb : app.get_subcommands(nullptr)) {
-        verbs.push_back(verb->get_name());
+/** The words of a verb's statement; of a line that asks for help those of the verb help. */
+ScenarioWords statementOf(const Names& given) {
+    ScenarioWords words;
+    for (const std::string& text : given) {
+        words.push_back({text});
     }
-    const auto extras = app.remaining();
-    const std::string given = extras.empty() ? "no verb" : inQuotes(extras.front()) + " is no verb";
-    return given + "; use " + alternatives(verbs);
+    const bool isHelp = isAmong(given, "--help") || isAmong(given, "-h");
+    if (!isHelp || std::any_of(words.begin(), words.end(), std::not_fn(&ScenarioWord::isOption))) {
+        leadWithVerb(words);
+    }
+    if (isHelp) {
+        const bool isVerbGiven = !words.front().isOption();
+        words.erase(words.begin() + (isVerbGiven ? 1 : 0), words.end());
+        words.insert(words.begin(), {"help"});
+    }
+    return words;
 }
 
-std::string usage(const CLI::App& app, const CLI::ParseError& error) {
-    const auto chosen = app.get_subcommands();
-    if (chosen.empty() && dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
-        return wrongVerb(app);
+ModemOptions modemOf(const Statement& statement, Output& output) {
+    const Arguments& given = statement.given();
+    ModemOptions modem;
+    modem.file = given.text("--modem");
+    modem.instance = static_cast<int>(given.number("--instance", 0));
+    if (given.has("--capacity")) {
+        modem.capacity = static_cast<unsigned>(given.number("--capacity", 0));
     }
-    std::string text = error.what();
-    if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr) {
-        text += ", a value that this option does not take";
-    }
-    std::replace(text.begin(), text.end(), '\n', ' ');
-    const std::string verb = chosen.empty() ? "" : chosen.front()->get_name() + ' ';
-    return printable(trim(text)) + "; see velactl " + verb + "--help";
+    modem.looksOnly = (statement.operation().places & kLooking) != 0;
+    modem.wait = static_cast<int>(given.number("--wait", modem.wait));
+    modem.seed = static_cast<std::uint64_t>(given.number("--seed", 1));
+    modem.note = [&output](const std::string& text) { output.note(text); };
+    return modem;
 }
 
-/** The chosen verb; its parsing errors become usage errors. Empty when help was printed. */
-Command* parse(CLI::App& app, std::vector<std::string> arguments, const CommandList& commands,
-               std::ostream& out) {
-    try {
-        std::reverse(arguments.begin(), arguments.end());
-        app.parse(std::move(arguments));
-    } catch (const CLI::CallForHelp&) {
-        const auto chosen = app.get_subcommands();
-        out << (chosen.empty() ? app.help() : chosen.front()->help("velactl"));
-        return nullptr;
-    } catch (const CLI::ParseError& error) {
-        throw badUsage(usage(app, error));
-    }
-    const auto chosen = std::find_if(commands.begin(), commands.end(),
-                                     [](const auto& command) { return command->isChosen(); });
-    return chosen == commands.end() ? nullptr : chosen->get();
+/** The library's log lines go to the error stream. */
+LogSink logSink(std::ostream& err, bool showSecrets) {
+    return [&err, showSecrets](auto text) {
+        // One write per line: the lines come on several threads.
+        err << "log: " + printable(showSecrets ? std::string(text) : withoutPassword(text)) + '\n';
+    };
 }
 
-Exit runVerb(const std::vector<std::string>& arguments, const Streams& streams) {
-    Options options;
-    CLI::App app{"Reads and changes the data profiles of a cellular modem through libvelar.",
-                 "velactl"};
-    app.require_subcommand(1);
-    app.fallthrough();
-    app.get_formatter()->column_width(28);
-    app.footer(
-        "The options above may stand before or after the subcommand. Exit status: 0 done, 1 "
-        "refused or "
-        "not found, 2 bad usage.");
-    addGlobalOptions(app, options);
-    const auto commands = makeCommands();
-    for (const auto& command : commands) {
-        command->addTo(app);
+/** Plays a verb, which is a statement run once. Throws ToolError when it was refused. */
+void play(const Statement& statement, Output& output, const OutputOptions& form,
+          const Streams& streams) {
+    const bool isLogged = statement.given().has("--log");
+    // Log lines tell the progress themselves, and would be mixed up with it.
+    Stage stage({modemOf(statement, output), form, output, output,
+                 isLogged ? logSink(streams.err, form.showSecrets) : LogSink(), streams.err,
+                 isLogged ? 0 : streams.errColumns, true});
+    statement.play(stage);
+    const bool isPolicy = (statement.operation().options & (kUpdate | kProvision)) != 0;
+    const bool areEqual = !isPolicy || stage.tellAgreement();
+    stage.save();
+    if (stage.isForgotten()) {
+        output.line(
+            "This modem was a new one and is gone now, with what was made in it; "
+            "velactl --modem FILE keeps one.");
     }
-    Command* command = parse(app, arguments, commands, streams.out);
-    if (command == nullptr) {
-        return Exit::Done;
+    if (!stage.refusal().empty() || !areEqual) {
+        throw refused(areEqual ? stage.refusal() : "library and modem disagree");
     }
-    Output output(streams.out, streams.err, options);
-    const Exit exit = command->run({options, output, streams.err, streams.errColumns});
+}
+
+/** The one document of a run. */
+void finish(Output& output, const std::string& verb, Exit status, const std::string& error) {
+    Json document{{"schema", kSchema},
+                  {"operation", verb.empty() ? Json() : Json(verb)},
+                  {"status", static_cast<int>(status)},
+                  {"error", error.empty() ? Json() : Json(error)}};
+    Json fields = std::exchange(output.document(), Json());
+    fields.erase("operation");
+    document.update(fields);
+    output.document() = std::move(document);
     output.finish();
-    return exit;
 }
 
 }  // namespace
 
-int runVelactl(const std::vector<std::string>& arguments, const Streams& streams) {
+int runVelactl(const Names& arguments, const Streams& streams) {
+    OutputOptions form;
+    Output output(streams.out, streams.err, form);
+    Exit status = Exit::Done;
+    std::string verb;
+    std::string error;
+    // First, so that a line that makes no sense is told in the form that it asks for.
+    form.json = isAmong(arguments, "--json");
+    form.showSecrets = isAmong(arguments, "--show-secrets");
+    form.width = streams.outColumns;
     try {
-        const Exit exit = runVerb(arguments, streams);
-        if (!streams.out.flush()) {
-            throw refused("the output could not be written; what was done is done");
+        if (isAmong(arguments, "--version")) {
+            answer(output, std::string("velactl ") + VELACTL_VERSION + '\n');
+        } else {
+            const ScenarioWords words = statementOf(arguments);
+            verb = words.front().text;
+            const Statement statement(operationOf(verbs(), textsOf(words), "verb"), kVerb, words);
+            if (statement.given().has("--columns")) {
+                form.columns = readColumns("--columns", statement.given().text("--columns"));
+            }
+            play(statement, output, form, streams);
         }
-        return static_cast<int>(exit);
-    } catch (const ToolError& error) {
-        streams.err << "velactl: " << error.what() << '\n';
-        return static_cast<int>(error.status());
-    } catch (const std::exception& error) {
-        streams.err << "velactl: " << error.what() << '\n';
-        return static_cast<int>(Exit::Refused);
+    } catch (const ToolError& failure) {
+        status = failure.status();
+        error = failure.what();
+    } catch (const std::exception& failure) {
+        status = Exit::Refused;
+        error = failure.what();
     }
+    finish(output, verb, status, error);
+    if (!error.empty()) {
+        output.note(error);
+    }
+    if (!streams.out.flush()) {
+        output.note("the output could not be written; what was done is done");
+        status = std::max(status, Exit::Refused);
+    }
+    return static_cast<int>(status);
 }
 
 }  // namespace velactl

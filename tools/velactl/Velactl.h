@@ -13,8 +13,9 @@ namespace velactl {
 struct Streams {
     std::ostream& out;
     std::ostream& err;
-    /** Width of the terminal that `err` is; 0: it is none. */
+    /** Width of the terminal that `err` is; 0: it is none. The same of `out`. */
     std::size_t errColumns = 0;
+    std::size_t outColumns = 0;
 };
 
 /** The whole tool: runs one verb. `arguments` are those after the program's name. Returns the exit

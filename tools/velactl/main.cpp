@@ -7,7 +7,7 @@
 #include <csignal>
 #include <iostream>
 
-#include "Velactl.h"
+#include "velactl/Velactl.h"
 
 namespace {
 
@@ -38,6 +38,7 @@ int main(int argc, char** argv) {
     fillStandardDescriptors();
     // Whoever reads the output may go away: the modem's memory is kept all the same.
     std::signal(SIGPIPE, SIG_IGN);
-    return velactl::runVelactl({argv + 1, argv + argc},
-                               {std::cout, std::cerr, columnsOf(STDERR_FILENO)});
+    return velactl::runVelactl(
+        {argv + 1, argv + argc},
+        {std::cout, std::cerr, columnsOf(STDERR_FILENO), columnsOf(STDOUT_FILENO)});
 }

@@ -51,15 +51,14 @@ class VELASIM_API Snapshot {
     /** Reads JSON text. `name` stands for the text in error messages. Never throws. */
     static SnapshotResult parse(std::string_view text, std::string_view name);
 
-    /** Reads a file. */
+    /** Reads a file, as SnapshotFile does. */
     static SnapshotResult load(const std::string& path);
 
     /** The JSON text. */
     std::string toJson() const;
 
-    /** Writes the file as a whole or not at all (a temporary file beside it is renamed). Symbolic
-     * links are followed, permissions kept; a file without write permission is left alone. Returns
-     * one line that names the file and what went wrong; empty on success. */
+    /** Writes a file, as SnapshotFile does. Returns one line that names the file and what went
+     * wrong; empty on success. */
     std::string save(const std::string& path) const;
 };
 

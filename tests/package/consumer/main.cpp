@@ -3,10 +3,12 @@
 //
 // Uses every exported class from outside the library: links each, and finds their types again.
 #include <vela/Manager.h>
+#include <vela/Observer.h>
 #include <vela/Responses.h>
 #include <vela/Util.h>
 
 #include <iostream>
+#include <memory>
 #include <sstream>
 
 namespace {
@@ -80,6 +82,15 @@ void records() {
     check(!print(vela::ApnClass::IMS).empty(), "an APN class has a name");
 }
 
+class PolicyCounter : public vela::Observer {
+  public:
+    void onPolicyEnd(const vela::PolicyCall& /*call*/, const vela::PolicyResult& result) override {
+        check(result.key == nullptr && !result.matches, "no policy has a result");
+        ++count;
+    }
+    int count = 0;
+};
+
 // A manager that was not initialised answers everything with the empty result.
 void facade() {
     vela::Manager& manager = vela::Manager::getInstance();
@@ -93,11 +104,15 @@ void facade() {
     manager.refresh(vela::PDCRefreshStatus::RefreshCompleted);
     manager.dump();
 
+    const auto counter = std::make_shared<PolicyCounter>();
+    vela::setObserver(counter);
     vela::Util util;
     util.setProfileUpdateAllowed(true);
     check(!util.findOrCreateProfileForSetupDataCall(vela::TechType::TECH_3GPP, params),
           "nothing to call with");
     check(!util.matchLteAttachProfileId(1, params), "nothing to attach with");
+    vela::setObserver(nullptr);
+    check(counter->count == 2 && counter.use_count() == 1, "policies are observed");
 }
 
 }  // namespace

@@ -1,0 +1,21 @@
+# Installs the package into a folder of its own, and builds and tests its consumer there.
+#   cmake -DBUILD=... -DSOURCE=... -DCTEST=... -DOPTIONS=... -P use.cmake
+string(RANDOM LENGTH 12 name)
+set(folder "${BUILD}/package-test-${name}")
+file(MAKE_DIRECTORY "${folder}")
+
+function(run)
+    execute_process(COMMAND ${ARGN} RESULT_VARIABLE result)
+    if(NOT result EQUAL 0)
+        file(REMOVE_RECURSE "${folder}")
+        list(JOIN ARGN " " command)
+        message(FATAL_ERROR "${result}: ${command}")
+    endif()
+endfunction()
+
+run(${CMAKE_COMMAND} --install "${BUILD}" --prefix "${folder}/prefix")
+run(${CTEST} --build-and-test "${SOURCE}" "${folder}/consumer"
+    --build-generator Ninja
+    --build-options "-DCMAKE_PREFIX_PATH=${folder}/prefix" ${OPTIONS}
+    --test-command ${CTEST} --output-on-failure --no-tests=error)
+file(REMOVE_RECURSE "${folder}")

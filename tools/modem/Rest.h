@@ -1,0 +1,52 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <vela/Manager.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace velactl {
+
+/** Whether the dump has waited for the worker thread, and not given up. */
+inline bool hasMetWorker(const std::vector<std::string>& dump) {
+    const auto has = [&dump](const char* line) {
+        return std::find(dump.begin(), dump.end(), line) != dump.end();
+    };
+    return has("Pending:") || !has("Cache:");  // or there is no worker
+}
+
+/**
+ * Returns when the library has done everything of which its worker thread was told before the call:
+ * the one way to wait for that. Asks no request and leaves nothing in the log buffer. Not on the
+ * worker thread.
+ */
+inline void awaitRest(vela::Manager& manager) {
+    constexpr int kDumps = 2;  // between which the worker makes a whole pass
+    for (int dumps = 0; dumps < kDumps;) {
+        dumps += hasMetWorker(manager.dump()) ? 1 : 0;
+    }
+}
+
+/**
+ * The same for what comes of it: returns when the library rests and nothing more has crossed to the
+ * simulated modem or back. `deliver` has the callbacks made that are to be made.
+ */
+template <typename Simulator, typename Deliver>
+void awaitRest(vela::Manager& manager, Simulator& simulator, Deliver deliver) {
+    const auto latestCrossing = [&simulator]() -> std::uint64_t {
+        const auto entries = simulator.journal().snapshot();
+        return entries.empty() ? 0 : entries.back().sequence;
+    };
+    std::uint64_t before = 0;
+    do {
+        before = latestCrossing();
+        deliver();
+        awaitRest(manager);
+    } while (latestCrossing() != before);
+}
+
+}  // namespace velactl

@@ -1,0 +1,180 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#include "modem/Workbench.h"
+
+#include <algorithm>
+#include <iterator>
+#include <list>
+#include <utility>
+
+#include "profiles/ProfileField.h"
+#include "profiles/Text.h"
+#include "profiles/ToolError.h"
+#include "profiles/Words.h"
+
+namespace velactl {
+
+namespace {
+
+/** The modem keeps what the library never reads back. */
+bool isUnreadable(const ProfileRecord& record, const ProfileField& field) {
+    return record.tech == vela::TechType::TECH_3GPP2 && field.isSecret();
+}
+
+/** What the library makes of a number that means nothing to it is no difference. */
+bool hasUnknown(const ProfileField& field, const Json& modem) {
+    const Json value = field.of(modem);
+    const bool isWord = field.kind == ProfileField::Kind::Word;
+    return (isWord && value.is_number()) ||
+           (value.is_array() && !value.empty() &&
+            value.back().get_ref<const std::string&>().rfind("0x", 0) == 0);
+}
+
+std::vector<std::string> differingFields(const ProfileRecord& library, const ProfileRecord& modem) {
+    std::vector<std::string> names;
+    for (const ProfileField& field : profileFields()) {
+        const bool isAsked = field.scope <= ProfileField::Scope::Filter;
+        if (isAsked && !isUnreadable(modem, field) && !hasUnknown(field, modem.fields) &&
+            !isSame(field, library.fields, modem.fields)) {
+            names.emplace_back(field.key);
+        }
+    }
+    return names;
+}
+
+bool isSamePlace(const ProfileRecord& left, const ProfileRecord& right) {
+    return left.tech == right.tech && left.index == right.index;
+}
+
+/** `modem` is the modem's own; null when it has none. */
+void tellDifferences(std::vector<std::string>& lines, const ProfileRecord& library,
+                     const ProfileRecord* modem) {
+    if (modem == nullptr) {
+        lines.push_back(title(library) + " is no longer in the modem");
+        return;
+    }
+    const auto names = differingFields(library, *modem);
+    if (!names.empty()) {
+        lines.push_back(title(library) + " differs in " + join(names, ", "));
+    }
+}
+
+/** Those that fit the filter of their search. */
+ProfileRecords fitting(const std::vector<vela::ProfileCandidate>& candidates) {
+    ProfileRecords records;
+    for (const vela::ProfileCandidate& candidate : candidates) {
+        if (candidate.fits()) {
+            records.push_back(recordOf(*candidate.profile));
+        }
+    }
+    sortTable(records);
+    return records;
+}
+
+std::string indexes(const ProfileRecords& records, vela::TechType tech) {
+    std::vector<std::string> list;
+    for (const ProfileRecord& record : records) {
+        if (record.tech == tech) {
+            list.push_back(std::to_string(record.index));
+        }
+    }
+    return list.empty()
+               ? "the library knows no " + word(tech) + " profiles of the modem"
+               : "there " + std::string(list.size() == 1 ? "is " : "are ") + join(list, ", ");
+}
+
+}  // namespace
+
+Workbench::Workbench(const ModemOptions& options, LogSink sink)
+    : library(vela::Manager::getInstance()), backend(makeBackend(options, std::move(sink))) {
+    const Connection connection = connect(options.instance);
+    if (!connection.failure.empty()) {
+        throw refused("modem instance " + std::to_string(options.instance) +
+                      " does not answer: " + connection.failure);
+    }
+    if (options.note) {
+        std::for_each(connection.notes.begin(), connection.notes.end(), options.note);
+    }
+}
+
+Connection Workbench::connect(int instance) {
+    recorder = std::make_shared<Recorder>();
+    vela::setObserver(recorder);
+    backend->connect(library, *recorder, instance);
+    library.refresh(vela::PDCRefreshStatus::RefreshCompleted);
+    return connectionOf(recorder->takeMessages(), recorder->service(), *backend);
+}
+
+std::vector<vela::ProfileCandidate> Workbench::search(const vela::FilterProfileParams& filter) {
+    settle();
+    return recorder->searchAside([&] { library.filter(filter); });
+}
+
+ProfileRecords Workbench::libraryProfiles(const vela::FilterProfileParams& filter) {
+    return fitting(search(filter));
+}
+
+ProfileRecords Workbench::modemProfiles() {
+    settle();
+    auto records = backend->modemProfiles();
+    return records ? *std::move(records) : libraryProfiles();
+}
+
+std::vector<std::string> Workbench::disagreements() {
+    settle();
+    const auto modem = backend->modemProfiles();
+    if (!modem) {
+        return {};
+    }
+    const auto entries = search({});
+    const ProfileRecords held = fitting(entries);
+    std::vector<std::string> lines;
+    for (auto record = held.begin(); record != held.end(); ++record) {
+        if (record != held.begin() && isSamePlace(*record, *std::prev(record))) {
+            lines.push_back(title(*record) + " is held twice by the library");
+        }
+        tellDifferences(lines, *record, findRecord(*modem, record->tech, record->index));
+    }
+    for (const ProfileRecord& record : *modem) {
+        if (findRecord(held, record.tech, record.index) == nullptr) {
+            lines.push_back(title(record) + " is unknown to the library");
+        }
+    }
+    if (entries.size() != held.size()) {
+        lines.push_back("the library could not read " +
+                        counted(entries.size() - held.size(), "profile") + " that it holds");
+    }
+    return lines;
+}
+
+std::vector<std::string> Workbench::uncompared() {
+    std::vector<std::string> lines;
+    for (const ProfileRecord& record : backend->modemProfiles().value_or(ProfileRecords())) {
+        if (record.tech == vela::TechType::TECH_3GPP2 && record.fields.contains("password")) {
+            lines.push_back("the password of " + title(record) +
+                            " is not compared: the library never reads it back");
+        }
+    }
+    return lines;
+}
+
+std::shared_ptr<vela::IProfileKey> Workbench::find(vela::TechType tech, int index) {
+    vela::FilterProfileParams filter;
+    filter.setFilterByTechType(tech);
+    filter.setFilterByProfileId(index);
+    std::list<std::shared_ptr<vela::IProfileKey>> keys;
+    recorder->searchAside([&] { keys = library.filter(filter); });
+    if (keys.empty()) {
+        for (const vela::ModemMessage& message : recorder->failedReadings()) {
+            if (message.techType == tech && message.profileId == index) {
+                throw refused("the library could not read " + word(tech) + " profile " +
+                              std::to_string(index) + ": " + failureOf(message, *backend));
+            }
+        }
+        throw refused("no " + word(tech) + " profile " + std::to_string(index) + ": " +
+                      indexes(libraryProfiles(), tech));
+    }
+    return keys.front();
+}
+
+}  // namespace velactl

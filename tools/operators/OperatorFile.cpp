@@ -1,0 +1,322 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#include "operators/OperatorFile.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <sstream>
+#include <utility>
+
+#include "operators/XmlReader.h"
+#include "profiles/Text.h"
+#include "profiles/ToolError.h"
+
+namespace velactl {
+
+namespace {
+
+/** The first of many, each once, and how many more there are: "3, 4, 6, 8, 9 and 12 more". */
+class Some {
+  public:
+    void add(const std::string& item) {
+        constexpr std::size_t kSome = 5;
+        if (item != std::exchange(last, item) && total++ < kSome) {
+            first.push_back(item);
+        }
+    }
+
+    bool isOne() const { return total == 1; }
+
+    std::string text(const char* separator = ", ") const {
+        const std::size_t others = total - first.size();
+        return join(first, separator) + (others == 0 ? "" : " and " + grouped(others) + " more");
+    }
+
+  private:
+    std::vector<std::string> first;
+    std::string last;
+    std::size_t total = 0;
+};
+
+using Row = std::vector<std::string>;
+
+// Entries of no operator have no codes. Attributes are names and values by turns, each with a NUL
+// behind it, which XML cannot contain.
+constexpr const char* kSetUp[] = {
+    "PRAGMA journal_mode = OFF",
+    "PRAGMA cache_size = -4096",
+    "BEGIN",
+    ("CREATE TABLE entry (mcc TEXT, mnc TEXT, mvno TEXT COLLATE NOCASE, line INTEGER, "
+     "carrier TEXT, attributes TEXT)"),
+};
+/** Of each operator its first entry. */
+const std::string kOperators =
+    "(SELECT mcc, mnc, mvno, carrier, min(rowid) AS first FROM entry WHERE mcc <> '' "
+    "GROUP BY mcc, mnc, mvno)";
+
+std::string pack(const Attributes& attributes) {
+    std::string bytes;
+    for (const auto& [name, value] : attributes) {
+        bytes.append(name).append(1, '\0').append(value).append(1, '\0');
+    }
+    return bytes;
+}
+
+Attributes unpack(const std::string& bytes) {
+    Attributes attributes;
+    std::istringstream in(bytes);
+    for (std::string name, value; std::getline(in, name, '\0') && std::getline(in, value, '\0');) {
+        attributes.emplace_back(name, value);
+    }
+    return attributes;
+}
+
+}  // namespace
+
+/** A database that ends with this object, in memory that does not grow with it: what is too much
+ * for that goes into a temporary file without a name, which nobody else can open. */
+class OperatorFile::Database {
+  public:
+    Database() {
+        sqlite3* opened = nullptr;
+        const int code = sqlite3_open("", &opened);
+        connection.reset(opened, sqlite3_close);
+        check(code == SQLITE_OK);
+        std::for_each(std::begin(kSetUp), std::end(kSetUp), [this](auto sql) { run(sql, {}); });
+    }
+
+    /** Runs a statement, with values for its parameters, and hands out the rows. The same statement
+     * cannot be run meanwhile. */
+    void run(const std::string& sql, const std::vector<std::string>& values,
+             const std::function<void(const Row&)>& visit = {}) {
+        sqlite3_stmt* const statement = prepare(sql);
+        const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> atEnd(statement, sqlite3_reset);
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            check(sqlite3_bind_text(statement, static_cast<int>(i) + 1, values[i].data(),
+                                    static_cast<int>(values[i].size()),
+                                    SQLITE_STATIC) == SQLITE_OK);
+        }
+        int code = SQLITE_OK;
+        while ((code = sqlite3_step(statement)) == SQLITE_ROW) {
+            Row row;
+            for (int column = 0; column < sqlite3_column_count(statement); ++column) {
+                const void* const text = sqlite3_column_text(statement, column);
+                const auto size = sqlite3_column_bytes(statement, column);
+                row.emplace_back(static_cast<const char*>(text), static_cast<std::size_t>(size));
+            }
+            if (visit) {
+                visit(row);
+            }
+        }
+        check(code == SQLITE_DONE);
+    }
+
+    std::size_t number(const std::string& sql) {
+        std::size_t value = 0;
+        run(sql, {}, [&](const Row& row) { value = std::stoul(row[0]); });
+        return value;
+    }
+
+    void forEachEntry(const Row& owner, const std::function<void(const OperatorEntry&)>& visit) {
+        run("SELECT line, attributes FROM entry WHERE mcc = ?1 AND mnc = ?2 AND mvno = ?3 "
+            "ORDER BY rowid",
+            owner, [&](const Row& row) {
+                visit(OperatorEntry::read(unpack(row[1]), std::stoul(row[0])));
+            });
+    }
+
+  private:
+    sqlite3_stmt* prepare(const std::string& sql) {
+        auto& kept = statements[sql];
+        if (!kept) {
+            sqlite3_stmt* made = nullptr;
+            const int code = sqlite3_prepare_v2(connection.get(), sql.c_str(), -1, &made, nullptr);
+            kept.reset(made, sqlite3_finalize);
+            check(code == SQLITE_OK);
+        }
+        return kept.get();
+    }
+
+    void check(bool isDone) const {
+        if (!isDone) {
+            throw refused(std::string("no temporary file: ") + sqlite3_errmsg(connection.get()) +
+                          "; TMPDIR can name another folder");
+        }
+    }
+
+    std::shared_ptr<sqlite3> connection;
+    std::map<std::string, std::shared_ptr<sqlite3_stmt>> statements;
+};
+
+Plmn Plmn::parse(std::string_view text) {
+    std::string digits(text);
+    if (digits.size() > 3 && (digits[3] == '/' || digits[3] == '-')) {
+        digits.erase(3, 1);
+    }
+    const bool isNumber = digits.find_first_not_of("0123456789") == std::string::npos;
+    if (!isNumber || digits.size() < 5 || digits.size() > 6) {
+        throw badUsage("--plmn: " + inQuotes(text) +
+                       " is no network; write MCC (3 digits) and MNC (2 or 3 digits), as 26201 or "
+                       "310/260");
+    }
+    return {digits.substr(0, 3), digits.substr(3)};
+}
+
+std::string Operator::name() const {
+    return plmn.text() + (mvno.empty() ? "" : ' ' + printable(mvno));
+}
+
+const OperatorEntry* Operator::find(unsigned int types) const {
+    const auto found =
+        std::find_if(entries.begin(), entries.end(), [types](const OperatorEntry& entry) {
+            return entry.isUsable() && !entry.params.getIsApnDisabled() &&
+                   (entry.types & types) == types;
+        });
+    return found == entries.end() ? nullptr : &*found;
+}
+
+const OperatorEntry* Operator::attachEntry() const {
+    const OperatorEntry* const entry = find(toMask(vela::ApnTypes::IA));
+    return entry != nullptr ? entry : find(toMask(vela::ApnTypes::DEFAULT));
+}
+
+std::string Operator::refusals() const {
+    Some refused;
+    for (const OperatorEntry& entry : entries) {
+        if (!entry.isUsable()) {
+            refused.add(entry.title() + ": " + entry.refusal);
+        }
+    }
+    return refused.text("; ");
+}
+
+OperatorFile::OperatorFile(const std::string& name, const Feed& feed)
+    : fileName(name), database(std::make_shared<Database>()) {
+    std::vector<std::pair<std::string, Some>> ignored;  // in the order of their first lines
+    XmlReader reader(name, [&](const XmlItem& item) {
+        const bool isText = item.name.empty();
+        if (item.depth == 0 && item.name != "apns") {
+            throw refused("the root element is <" + printable(item.name) +
+                          ">; an operator file has <apns>");
+        }
+        if (item.depth == 1 && item.name == "apn") {
+            add(item);
+        } else if (isText || item.depth != 0) {
+            const std::string kind = isText ? "text between the elements"
+                                            : "element <" + printable(item.name) + '>' +
+                                                  (item.depth > 1 ? " inside another" : "");
+            auto known = std::find_if(ignored.begin(), ignored.end(),
+                                      [&](const auto& each) { return each.first == kind; });
+            if (known == ignored.end()) {
+                known = ignored.insert(known, {kind, {}});
+            }
+            known->second.add(std::to_string(item.line));
+        }
+    });
+    feed(reader);
+    reader.feed({});
+    database->run("CREATE INDEX by_operator ON entry (mcc, mnc, mvno)", {});
+    for (const auto& [kind, lines] : ignored) {
+        odd.push_back((lines.isOne() ? "line " : "lines ") + lines.text() + ": " + kind +
+                      " left out");
+    }
+}
+
+void OperatorFile::add(const XmlItem& item) {
+    const OperatorEntry entry = OperatorEntry::readOperator(item.attributes);
+    database->run("INSERT INTO entry VALUES (?1, ?2, ?3, ?4, ?5, ?6)",
+                  {entry.mcc, entry.mnc, entry.mcc.empty() ? "" : entry.mvno,
+                   std::to_string(item.line), entry.carrier, pack(item.attributes)});
+}
+
+OperatorFile OperatorFile::load(const std::string& path, Progress* progress) {
+    constexpr std::uintmax_t kPercent = 100;
+    std::error_code unsized;
+    const std::uintmax_t size = std::filesystem::file_size(path, unsized);
+    std::uintmax_t done = 0;
+    return {path, [&](XmlReader& reader) {
+                readBlocks(path, "an operator file", [&](std::string_view block) {
+                    reader.feed(block);
+                    done += block.size();
+                    if (progress != nullptr && !unsized && size != 0) {
+                        progress->moveTo(done * kPercent / size,
+                                         "% of " + printable(path) + " read");
+                    }
+                });
+            }};
+}
+
+OperatorFile OperatorFile::parse(std::string_view text, const std::string& name) {
+    return {name, [text](XmlReader& reader) {
+                if (!text.empty()) {
+                    reader.feed(text);
+                }
+            }};
+}
+
+std::size_t OperatorFile::entryCount() const {
+    return database->number("SELECT count(*) FROM entry");
+}
+
+std::size_t OperatorFile::operatorCount() const {
+    return database->number("SELECT count(*) FROM " + kOperators);
+}
+
+void OperatorFile::forEach(const std::function<void(const Operator&)>& visit) const {
+    database->run("SELECT mcc, mnc, mvno FROM " + kOperators + " ORDER BY first", {},
+                  [&](const Row& row) {
+                      visit(find({row[0], row[1]}, row[2]));
+                  });
+}
+
+void OperatorFile::forEachStray(const std::function<void(const OperatorEntry&)>& visit) const {
+    database->forEachEntry({"", "", ""}, visit);
+}
+
+std::string OperatorFile::leftOut() const {
+    Some all;
+    for (const std::string& each : odd) {
+        all.add(each);
+    }
+    forEachStray(
+        [&](const OperatorEntry& stray) { all.add(stray.title() + ": " + stray.refusal); });
+    const std::string text = all.text("; ");
+    return text.empty() ? "" : "; left out: " + text;
+}
+
+Operator OperatorFile::find(const Plmn& plmn, const std::string& mvno) const {
+    if (!mvno.empty() && mvno.find(':') == std::string::npos) {
+        throw badUsage("--mvno: " + inQuotes(mvno) +
+                       " is no virtual operator; write TYPE:DATA, as gid:BAE0 or spn:Example");
+    }
+    Operator result{plmn, mvno, {}};
+    database->forEachEntry({plmn.mcc, plmn.mnc, mvno},
+                           [&](const OperatorEntry& entry) { result.entries.push_back(entry); });
+    if (result.entries.empty()) {
+        throw refused(fileName + ": no operator " + result.name() + nearest(plmn) + leftOut());
+    }
+    result.mvno = result.entries.front().mvno;
+    return result;
+}
+
+/** What the file holds instead of an operator: of the same network, of the same number in another
+ * form, of a number that goes on with its digits, and then the nearest. */
+std::string OperatorFile::nearest(const Plmn& plmn) const {
+    Some names;
+    database->run("SELECT mnc, mvno, carrier FROM " + kOperators +
+                      " WHERE mcc = ?1 ORDER BY mnc <> ?2, "
+                      "abs(mnc - ?2) <> 0, substr(mnc, 1, length(?2)) <> ?2, abs(mnc - ?2), first",
+                  {plmn.mcc, plmn.mnc}, [&](const Row& row) {
+                      const Operator each{{plmn.mcc, row[0]}, row[1], {}};
+                      names.add(each.name() + " (" + printable(row[2]) + ')');
+                  });
+    const std::string text = names.text();
+    return "; it holds " + counted(operatorCount(), "operator") +
+           (text.empty() ? ", none of MCC " : ", of MCC ") + plmn.mcc +
+           (text.empty() ? "" : ": " + text);
+}
+
+}  // namespace velactl

@@ -1,0 +1,93 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "operators/OperatorEntry.h"
+#include "profiles/Output.h"
+
+namespace velactl {
+
+/** An operator network: mobile country code and mobile network code. */
+struct Plmn {
+    std::string mcc;
+    std::string mnc;
+
+    /** Reads MCCMNC, "310260" or "26201", also as "310/260" and "310-260"; throws ToolError. */
+    static Plmn parse(std::string_view text);
+
+    std::string text() const { return mcc + '/' + mnc; }
+};
+
+/** One operator's entries, or those of one of its virtual operators. */
+struct Operator {
+    Plmn plmn;
+    /** "gid:6D38"; empty: the host operator. */
+    std::string mvno;
+    /** In the file's order. */
+    std::vector<OperatorEntry> entries;
+
+    /** "310/260", "310/260 gid:6D38" */
+    std::string name() const;
+    /** The first carrier name. */
+    std::string carrier() const { return entries.empty() ? "" : entries.front().carrier; }
+    /** The first usable entry with all these types that is not disabled; null: none. */
+    const OperatorEntry* find(unsigned int types) const;
+    /** The one whose settings the attach uses: of type ia, else default; null: none. */
+    const OperatorEntry* attachEntry() const;
+    /** The entries that can be no profile, and why; some, when there are many. */
+    std::string refusals() const;
+};
+
+/** The APN settings of many operators, as Android ships them. What it takes of memory does not grow
+ * with the file; the entries of one operator are what callers get at once. */
+class OperatorFile {
+  public:
+    /** Reads a file, "-" the standard input; throws ToolError that names file, line and column of
+     * what is wrong. */
+    static OperatorFile load(const std::string& path, Progress* progress = nullptr);
+
+    /** Reads text; `name` stands for the file. Any bytes are safe. */
+    static OperatorFile parse(std::string_view text, const std::string& name);
+
+    const std::string& name() const { return fileName; }
+    std::size_t entryCount() const;
+    /** Virtual operators included. */
+    std::size_t operatorCount() const;
+
+    /** What is odd beside the entries, with lines. */
+    const std::vector<std::string>& oddities() const { return odd; }
+
+    /** Hands out every operator and virtual operator, in the order of their first entries. */
+    void forEach(const std::function<void(const Operator&)>& visit) const;
+
+    /** Hands out the entries that belong to no operator. */
+    void forEachStray(const std::function<void(const OperatorEntry&)>& visit) const;
+
+    /** What is odd and the entries that belong to no operator, some of it, to end an error. */
+    std::string leftOut() const;
+
+    /** The entries of an operator, or with `mvno` ("TYPE:DATA") of a virtual one. When it is not in
+     * the file: a ToolError that tells what is. */
+    Operator find(const Plmn& plmn, const std::string& mvno) const;
+
+  private:
+    class Database;
+    /** Has the bytes of a file fed into its reader. */
+    using Feed = std::function<void(XmlReader& reader)>;
+
+    OperatorFile(const std::string& name, const Feed& feed);
+    void add(const XmlItem& item);
+    std::string nearest(const Plmn& plmn) const;
+
+    std::string fileName;
+    std::shared_ptr<Database> database;
+    std::vector<std::string> odd;
+};
+
+}  // namespace velactl

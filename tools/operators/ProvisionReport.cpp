@@ -1,0 +1,322 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#include "operators/ProvisionReport.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "profiles/Text.h"
+#include "profiles/ToolError.h"
+
+namespace velactl {
+
+namespace {
+
+/** "user=joe, home_ip=IPv6 instead of IPv4" */
+std::string differencesText(const Json& differences) {
+    std::vector<std::string> parts;
+    for (const auto& [key, each] : differences.items()) {
+        const ProfileField& field = *fieldNamed(key);
+        const auto text = [&field](const Json& value) {
+            return value.is_null() ? "(absent)" : valueText(field, value, true);
+        };
+        parts.push_back(key + '=' + text(each["held"]) +
+                        (each["asked"].is_null() ? "" : " instead of " + text(each["asked"])));
+    }
+    return join(parts, ", ");
+}
+
+/** What is told of a field of the document, with its value for a %; of a switch, when it is on and
+ * when it is off. Nothing is told of what is null or empty. */
+struct Phrase {
+    const char* key;
+    const char* text;
+    const char* ifOff = "";
+};
+using Phrases = std::vector<Phrase>;
+
+const Phrases kEntry{{"outcome", "%: "},
+                     {"index", "profile %"},
+                     {"shared_with_line", " with line %"},
+                     {"reason", "%"}};
+const Phrases kRemarks{{"class_is_taken", "; its class is another entry's"},
+                       {"differences", "; but the profile has %"},
+                       {"notes", "; %"}};
+const Phrases kNotSent{{"not_sent", "; a profile has no field for %"}};
+const Phrases kAttach{{"outcome", "%"},
+                      {"index", ": profile %"},
+                      {"line", " for line %"},
+                      {"reason", ": %"},
+                      {"differences", ", but the profile has %"},
+                      {"can_serve", "", "; the library finds no profile that can serve it"}};
+const Phrases kProfile{{"technology", "%"},
+                       {"index", " profile %"},
+                       {"apn", " (%)"},
+                       {"attach", "", " serves no entry"},
+                       {"like_line", ", though line % asks for its settings"},
+                       {"left_over", ": %"}};
+
+std::string words(const Json& value) {
+    switch (value.type()) {
+        case Json::value_t::object:
+            return differencesText(value);
+        case Json::value_t::array:
+            return join(value.get<std::vector<std::string>>(), ", ");
+        case Json::value_t::string:
+            return printable(value.get_ref<const std::string&>());
+        default:
+            return value.dump();
+    }
+}
+
+bool isBlank(const Json& value) {
+    return value.is_string() ? value.get_ref<const std::string&>().empty() : value.empty();
+}
+
+std::string told(const Json& object, const Phrases& phrases) {
+    std::string text;
+    for (const Phrase& phrase : phrases) {
+        const Json& value = object[phrase.key];
+        if (value.is_boolean()) {
+            text += value == true ? phrase.text : phrase.ifOff;
+        } else if (!isBlank(value)) {
+            const std::string part = phrase.text;
+            const std::size_t place = part.find('%');
+            text += part.substr(0, place) + words(value) + part.substr(place + 1);
+        }
+    }
+    return text;
+}
+
+/** What is odd about the entry or its profile. */
+std::string remarks(const Json& entry, bool isExplained) {
+    return told(entry, kRemarks) + (isExplained ? told(entry, kNotSent) : "");
+}
+
+std::string entryText(const Json& entry, bool isExplained) {
+    const Json& wanted = entry["wanted"];
+    return entryTitle(entry["line"], wanted["apn"], entry["carrier"]) + " for " +
+           valueText(*fieldNamed("types"), wanted["types"], true) +
+           (wanted.contains("class") ? ", class " + words(wanted["class"]) : "") + ": " +
+           told(entry, kEntry) + remarks(entry, isExplained);
+}
+
+/** The profiles that serve no entry, and what they are. */
+std::vector<std::string> unusedProfiles(const Json& document) {
+    std::vector<std::string> lines;
+    for (const Json& profile : document["profiles"]) {
+        if (profile["attach"] == false && profile["lines"].empty()) {
+            lines.push_back(told(profile, kProfile));
+        }
+    }
+    return lines;
+}
+
+std::size_t countOf(const Json& document, const std::string& outcome) {
+    const Json& entries = document["entries"];
+    return static_cast<std::size_t>(
+        std::count_if(entries.begin(), entries.end(),
+                      [&](const Json& entry) { return entry["outcome"] == outcome; }));
+}
+
+void listUnder(Output& output, const std::string& heading, const std::vector<std::string>& lines) {
+    if (!lines.empty() && !heading.empty()) {
+        output.line(heading);
+    }
+    for (const std::string& line : lines) {
+        output.line("  " + line);
+    }
+}
+
+/** What went wrong. */
+std::vector<std::string> failuresOf(const Json& document) {
+    std::vector<std::string> lines;
+    const Json& refusals = document["refusals"];
+    const std::string last = refusals.empty() ? "" : ": " + words(refusals.back());
+    const std::size_t missing = countOf(document, "missing");
+    if (missing != 0) {
+        lines.push_back(counted(missing, "entry") + " found no place in the modem" + last);
+    }
+    if (document["attach"]["outcome"] == "missing") {
+        lines.push_back("attach " + told(document["attach"], kAttach));
+    } else if (missing == 0 && !refusals.empty()) {
+        lines.push_back(counted(refusals.size(), "request") + " in vain" + last);
+    }
+    return lines;
+}
+
+/** What is odd about the entries, the attach, the other profiles and the whole. */
+std::vector<std::string> odditiesOf(const Json& document, bool isExplained) {
+    std::vector<std::string> lines;
+    for (const Json& entry : document["entries"]) {
+        if (entry["index"].is_null() || !remarks(entry, isExplained).empty()) {
+            lines.push_back(entryText(entry, isExplained));
+        }
+    }
+    const Json& attach = document["attach"];
+    const bool isFine = attach["can_serve"] == true && attach["differences"].empty();
+    if (!isFine && attach["outcome"] != "missing") {
+        lines.push_back("attach " + told(attach, kAttach));
+    }
+    const auto wrong = document["wrong"].get<std::vector<std::string>>();
+    for (const auto& more : {unusedProfiles(document), failuresOf(document), wrong}) {
+        lines.insert(lines.end(), more.begin(), more.end());
+    }
+    return lines;
+}
+
+/** How a run ended. */
+std::string summary(std::size_t changes, std::size_t requests) {
+    return (changes == 0 ? "Nothing changed"
+                         : counted(changes, "profile") + " created or changed") +
+           (requests == 0 ? "." : ", in " + counted(requests, "request") + '.');
+}
+
+/** What is wrong with a second run: it changed something, or tried more than to fill a full table.
+ */
+std::vector<std::string> secondRun(Workbench& bench, const Operator& candidate) {
+    Provisioner again(bench, candidate, false);
+    again.run();
+    const Json document = again.document();
+    const auto changes = changesBetween(again.before, again.after, false);
+    if (changes.empty() && document["requests"] == document["refusals"].size()) {
+        return {};
+    }
+    return {"the second run sent " + counted(document["requests"], "request") + " and changed " +
+            counted(changes.size(), "profile")};
+}
+
+/** On a fresh modem; `wrong` are things that must not be. */
+Json provisionFresh(const Operator& candidate, const SurveyOptions& options, bool showSecrets) {
+    Workbench bench(options.modem, options.log);
+    if (bench.modem().keepsMemory()) {
+        throw badUsage("provision --all uses fresh modems; this one keeps what it holds");
+    }
+    Provisioner provisioner(bench, candidate, showSecrets);
+    provisioner.run();
+    Json document = provisioner.document();
+    document["wrong"] = options.isTwice ? secondRun(bench, candidate) : std::vector<std::string>();
+    for (const std::string& line : bench.disagreements()) {
+        document["wrong"].push_back("library and modem disagree: " + line);
+    }
+    return document;
+}
+
+void add(Json& totals, const std::string& name, std::size_t number) {
+    totals[name] = totals[name].get<std::size_t>() + number;
+}
+
+void count(Json& totals, const Operator& candidate, const Json& document) {
+    add(totals, candidate.mvno.empty() ? "operators" : "virtual_operators", 1);
+    add(totals, "entries", candidate.entries.size());
+    for (const Json& entry : document["entries"]) {
+        add(totals, entry["outcome"], 1);
+    }
+    add(totals, "without_attach", document["attach"]["outcome"] == "missing" ? 1 : 0);
+    add(totals, "failed", failuresOf(document).empty() ? 0 : 1);
+    add(totals, "requests", document["requests"]);
+    add(totals, "wrong", document["wrong"].size());
+}
+
+std::size_t tellStrays(Output& output, const OperatorFile& file) {
+    std::size_t strays = 0;
+    file.forEachStray([&](const OperatorEntry& stray) {
+        listUnder(output, strays++ == 0 ? "Of no operator:" : "",
+                  {stray.title() + ": " + stray.refusal});
+        output.listed("of_no_operator", {{"line", stray.line},
+                                         {"carrier", stray.carrier},
+                                         {"apn", stray.params.getApnName()},
+                                         {"text", stray.refusal}});
+    });
+    if (strays == 0) {
+        output.document()["of_no_operator"] = Json::array();
+    }
+    return strays;
+}
+
+void tellTotals(Output& output, const OperatorFile& file, const Json& totals) {
+    output.line("Totals of " + file.name() + ':');
+    for (const auto& [name, number] : totals.items()) {
+        std::string words = name;
+        std::replace(words.begin(), words.end(), '_', ' ');
+        output.line("  " + words + ": " + grouped(number));
+    }
+    output.document()["totals"] = totals;
+}
+
+}  // namespace
+
+std::string provisionOne(Output& output, Workbench& bench, const Operator& candidate,
+                         const OperatorFile& file, bool isExplained) {
+    Provisioner provisioner(bench, candidate, output.showSecrets());
+    provisioner.run();
+    const Json document = provisioner.document();
+    const auto changes =
+        changesBetween(provisioner.before, provisioner.after, output.showSecrets());
+    output.line("Operator " + candidate.name() + ", " + printable(candidate.carrier()) + ": " +
+                counted(candidate.entries.size(), "entry") + '.');
+    output.profiles("Before:", provisioner.before);
+    output.line("Entries:");
+    for (const Json& entry : document["entries"]) {
+        output.line("  " + entryText(entry, isExplained));
+    }
+    output.line("Attach " + told(document["attach"], kAttach) + '.');
+    listUnder(output, "Other profiles:", unusedProfiles(document));
+    listUnder(output, "Elsewhere in " + file.name() + ":", file.oddities());
+    output.line(summary(changes.size(), document["requests"]));
+    Json rewritten = Json::array();
+    std::copy_if(changes.begin(), changes.end(), std::back_inserter(rewritten),
+                 [](const Json& change) { return change["change"] != "created"; });
+    if (!rewritten.empty()) {
+        output.changes(rewritten);
+    }
+    if (!changes.empty()) {
+        output.profiles("After:", provisioner.after);
+    }
+    output.document().update(document);
+    output.document().update({{"before", output.toJson(provisioner.before)},
+                              {"changes", changes},
+                              {"after", output.toJson(provisioner.after)},
+                              {"file_oddities", file.oddities()}});
+    std::vector<std::string> failures = failuresOf(document);
+    if (countOf(document, "refused") == candidate.entries.size()) {
+        failures.push_back("no entry of " + candidate.name() +
+                           " can be a profile: " + candidate.refusals());
+    }
+    return join(failures, "; ");
+}
+
+std::string provisionAll(Output& output, const OperatorFile& file, const SurveyOptions& options,
+                         Progress& progress) {
+    Json totals;
+    for (const char* name : {"operators", "virtual_operators", "entries", "added", "held",
+                             "rewritten", "shared", "missing", "refused", "without_operator",
+                             "without_attach", "with_oddities", "failed", "wrong", "requests"}) {
+        totals[name] = 0;
+    }
+    file.forEach([&](const Operator& candidate) {
+        progress.next(candidate.name());
+        const Json document = provisionFresh(candidate, options, output.showSecrets());
+        count(totals, candidate, document);
+        output.listed("operators", document);
+        const auto lines = odditiesOf(document, options.isExplained);
+        if (!lines.empty()) {
+            add(totals, "with_oddities", 1);
+            progress.clear();
+            listUnder(output, candidate.name() + ", " + printable(candidate.carrier()) + ":",
+                      lines);
+        }
+    });
+    progress.clear();
+    listUnder(output, "Elsewhere in " + file.name() + ":", file.oddities());
+    output.document()["file_oddities"] = file.oddities();
+    add(totals, "without_operator", tellStrays(output, file));
+    tellTotals(output, file, totals);
+    if (file.operatorCount() == 0) {
+        return file.name() + ": no operator in it" + file.leftOut();
+    }
+    return totals["failed"] == 0 && totals["wrong"] == 0 ? "" : "not all of it could be done";
+}
+
+}  // namespace velactl

@@ -1,0 +1,134 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#pragma once
+
+#include <algorithm>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+#include "profiles/ProfileRecord.h"
+
+namespace velactl {
+
+/** Rows of text in aligned columns. Columns in which every cell is empty are left out. */
+class Table {
+  public:
+    /** Of columns that do not fit those of the highest rank are left out first, and named by their
+     * keys; without a rank, or of rank 0, they stay. */
+    explicit Table(Names headings, std::vector<int> ranks = {}, Names keys = {});
+
+    /** As many cells as there are headings. */
+    void add(Names cells) { rows.push_back(std::move(cells)); }
+
+    /** `indent` spaces stand before each line, of which none is wider than `width`; 0: any may. The
+     * last lines name what was left out. */
+    void print(std::ostream& out, std::size_t indent = 2, std::size_t width = 0) const;
+
+  private:
+    std::vector<std::size_t> widths() const;
+    Names fit(std::vector<std::size_t>& columns, std::size_t width) const;
+
+    std::vector<int> ranks;
+    const Names keys;
+    std::vector<Names> rows;
+};
+
+/** The columns named in a comma list, as --columns takes it: fields by key or option, "technology",
+ * "index". Throws ToolError that lists them. */
+Names readColumns(std::string_view option, std::string_view text);
+
+/** One row per profile; with all columns when none are named. */
+Table profileTable(const ProfileRecords& records, bool showSecrets, const Names& columns = {});
+
+/** How answers are given. */
+struct OutputOptions {
+    bool json = false;
+    bool showSecrets = false;
+    /** The terminal's, for tables; 0: none, or unlimited. */
+    std::size_t width = 0;
+    /** Those of tables of profiles, from readColumns(); empty: all. */
+    Names columns;
+};
+
+/**
+ * Where a verb's answer goes: text as it comes, or, with --json, one document at the end. A verb
+ * tells both; what is not asked for is dropped. Passwords are masked here and nowhere else.
+ */
+class Output {
+  public:
+    /** The options must outlive this object. */
+    Output(std::ostream& out, std::ostream& err, const OutputOptions& options)
+        : out(out), err(err), options(options) {}
+
+    bool isText() const { return !options.json; }
+    bool showSecrets() const { return options.showSecrets; }
+
+    /** The stream of text answers; use it only when isText(). */
+    std::ostream& text() { return out; }
+
+    void line(std::string_view text = {});
+
+    /** In text only. */
+    void table(const Table& table);
+
+    /** A heading and the table below it. */
+    void profiles(std::string_view heading, const ProfileRecords& records);
+
+    /** One indented line per change; "nothing" when there is none. */
+    void changes(const Json& changes);
+
+    /** The JSON answer. */
+    Json& document() { return answer; }
+
+    /** Prints one more item of the answer's list `key` now: of a list that is too long to be kept.
+     * All items of one list follow each other, and the rest of the answer follows at the end. */
+    void listed(std::string_view key, const Json& item);
+
+    /** Aside of the answer, on the error stream, in both forms. */
+    void note(std::string_view text);
+
+    /** Prints the JSON document, if that is the form. */
+    void finish();
+
+    Json toJson(const ProfileRecords& records) const {
+        return velactl::toJson(records, showSecrets());
+    }
+
+  private:
+    std::ostream& out;
+    std::ostream& err;
+    const OutputOptions& options;
+    Json answer = Json::object();
+    std::string openList;  // the list of listed() that has no end yet
+};
+
+/** How far long work has come, on one line of a terminal, which it leaves empty at the end. */
+class Progress {
+  public:
+    /** `columns` is the terminal's width; 0: nobody watches. */
+    Progress(std::ostream& out, std::size_t columns, std::size_t total)
+        : out(out), columns(columns), total(std::max<std::size_t>(total, 1)) {}
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+    ~Progress() { clear(); }
+
+    /** Empties the line for something else; what was there comes back with the next one. */
+    void clear();
+
+    /** One more is being worked on, or number `number` of all. */
+    void next(const std::string& what) { moveTo(done + 1, what); }
+    void moveTo(std::size_t number, const std::string& what);
+
+  private:
+    std::ostream& out;
+    const std::size_t columns;
+    const std::size_t total;
+    std::size_t done = 0;
+};
+
+/** A log or dump line of the library with the password in it masked. What cannot be told apart from
+ * the password is masked with it. */
+std::string withoutPassword(std::string_view line);
+
+}  // namespace velactl

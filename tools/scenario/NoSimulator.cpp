@@ -1,0 +1,15 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#include "scenario/Operation.h"
+
+namespace velactl {
+
+Operations modemOperations() {
+    return {};
+}
+
+Operations faultOperations() {
+    return {};
+}
+
+}  // namespace velactl

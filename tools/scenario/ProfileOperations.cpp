@@ -1,0 +1,168 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+// What the radio software does: operations of the library's clients on single profiles.
+#include "profiles/ProfileField.h"
+#include "profiles/Text.h"
+#include "profiles/Words.h"
+#include "scenario/Operation.h"
+#include "scenario/Stage.h"
+
+namespace velactl {
+
+namespace {
+
+using Key = std::shared_ptr<vela::IProfileKey>;
+
+/** Tells of a key, which may be empty, and holds it. The release of the key that had the name is no
+ * part of the operation. */
+void yield(Stage& stage, const Arguments& arguments, Key key, const char* nothing) {
+    const std::string name = arguments.word();
+    stage.conclude(key != nullptr, !key           ? nothing
+                                   : name.empty() ? word(key->getTechType()) + " profile " +
+                                                        std::to_string(key->getProfileId())
+                                                  : name + " is " + key->dump());
+    stage.hold(name, std::move(key));
+}
+
+/** The operation on the profile that the first word means; without one it is refused. */
+template <void (*operate)(Stage&, const Arguments&, const Key&)>
+void onProfile(Stage& stage, const Arguments& arguments) {
+    const Key key = stage.keyOf(arguments.word(), arguments.tech());
+    stage.workbench().takeTraffic();
+    if (key) {
+        operate(stage, arguments, key);
+    }
+}
+
+void checkAdd(const Arguments& arguments) {
+    if (arguments.has("--ia") && arguments.tech() != vela::TechType::TECH_3GPP) {
+        throw badUsage("--ia: only 3GPP profiles serve the LTE attach; leave --tech out");
+    }
+    requireKept(arguments.fields(), arguments.tech());
+}
+
+void add(Stage& stage, const Arguments& arguments) {
+    const vela::AddProfileParams params(paramsOf(arguments.fields()), !arguments.has("--temporary"),
+                                        arguments.tech(), arguments.has("--ia"));
+    yield(stage, arguments, stage.manager().addProfile(params), "the library reports failure");
+}
+
+void find(Stage& stage, const Arguments& arguments) {
+    vela::FilterProfileParams filter = arguments.filter();
+    filter.setFilterByTechType(arguments.tech());
+    const auto keys = stage.manager().filter(filter);
+    yield(stage, arguments, keys.empty() ? nullptr : keys.front(), "no profile matches");
+}
+
+void modify(Stage& stage, const Arguments& arguments, const Key& key) {
+    requireKept(arguments.fields(), key->getTechType());
+    const bool done =
+        stage.manager().modifyProfile(vela::ModifyProfileParams(paramsOf(arguments.fields())), key);
+    const Traffic traffic = stage.workbench().takeTraffic();
+    const bool isSilent = done && traffic.writes == 0;
+    // The library compares with what it has read; without that it cannot know what to send.
+    const bool isVain = isSilent && !stage.manager().getProfile(key);
+    stage.workbench().takeTraffic();
+    stage.conclude(traffic, done && !isVain,
+                   !done    ? "the library reports failure"
+                   : isVain ? "the library reports success, but does not know the profile's "
+                              "settings and sent nothing"
+                   : isSilent
+                       ? "the library reports success, and sent nothing: it found nothing to "
+                         "change"
+                       : "the library reports success");
+}
+
+void remove(Stage& stage, const Arguments& /*arguments*/, const Key& key) {
+    const bool done = stage.manager().deleteProfile(key);
+    stage.conclude(done, done ? "deleted" : "the library reports failure");
+}
+
+void get(Stage& stage, const Arguments& /*arguments*/, const Key& key) {
+    const auto profile = stage.manager().getProfile(key);
+    stage.conclude(profile.has_value(), profile ? describe(fieldsOf(*profile), stage.showSecrets())
+                                                : "the key names no profile");
+    if (profile) {
+        stage.document()["profile"] = toJson(*profile, stage.showSecrets());
+    }
+}
+
+void matchOne(Stage& stage, const Arguments& arguments, const Key& key) {
+    const bool matches = stage.manager().match(arguments.filter(), key);
+    stage.conclude(matches, matches ? "matches" : "does not match");
+}
+
+void match(Stage& stage, const Arguments& arguments) {
+    if (!arguments.words.empty()) {
+        return onProfile<matchOne>(stage, arguments);
+    }
+    const ProfileRecords records = stage.workbench().libraryProfiles(arguments.filter());
+    stage.document()["profiles"] = stage.story().toJson(records);
+    stage.conclude(!records.empty(), records.empty() ? "no profile matches" : "");
+    if (!records.empty()) {
+        const char* verb = records.size() == 1 ? " matches:" : " match:";
+        stage.story().profiles(counted(records.size(), "profile") + verb, records);
+    }
+}
+
+void drop(Stage& stage, const Arguments& arguments) {
+    stage.held(arguments.word());
+    stage.hold(arguments.word(), nullptr);
+    stage.conclude(true, "dropped " + arguments.word());
+}
+
+void listen(Stage& stage, const Arguments& arguments) {
+    HeldKey& held = stage.held(arguments.word());
+    held.key->registerExpirationListener([counter = held.expirations] { ++*counter; });
+    stage.conclude(true, arguments.word() + " listens");
+}
+
+void refresh(Stage& stage, const Arguments& arguments) {
+    const bool started = arguments.word() == "started";
+    stage.manager().refresh(started ? vela::PDCRefreshStatus::RefreshStarted
+                                    : vela::PDCRefreshStatus::RefreshCompleted);
+    stage.isRefreshing = started;
+    const Traffic traffic = stage.workbench().takeTraffic();
+    const std::string failure = traffic.failedReads.empty() ? "" : traffic.failedReads.front();
+    stage.conclude(traffic, failure.empty(),
+                   "refresh " + arguments.word() + (failure.empty() ? "" : ", but " + failure));
+}
+
+void init(Stage& stage, const Arguments& arguments) {
+    const auto instance =
+        static_cast<int>(arguments.number("--instance", stage.options().modem.instance));
+    const std::string failure = stage.workbench().init(instance);
+    stage.skipChanges();
+    stage.conclude(failure.empty(),
+                   failure.empty() ? "initialised for modem instance " + std::to_string(instance)
+                                   : "the modem does not answer: " + failure);
+}
+
+}  // namespace
+
+Operations profileOperations() {
+    return {
+        {"add", "[KEY]", kFields | kTech | kLifetime, kEverywhere,
+         "create a profile and hold its key", add, checkAdd},
+        {"find", "[KEY]", kSearch | kTech, kStatement,
+         "hold the key of the first profile that the library finds", find},
+        {"modify", "KEY|ID", kSomeField | kTech, kEverywhere,
+         "change the given fields of a profile", onProfile<modify>},
+        {"delete", "KEY|ID", kTech, kEverywhere, "delete a profile from the modem",
+         onProfile<remove>},
+        {"get", "KEY|ID", kTech, kStatement, "read a profile through the library", onProfile<get>},
+        {"match", "[KEY|ID]", kSearch | kTech, kEverywhere | kLooking,
+         "whether the profile has these fields; without a word the profiles that have them", match},
+        {"drop", "KEY", kNoOptions, kStatement, "let the key go", drop},
+        {"listen", "KEY", kNoOptions, kStatement,
+         "register an expiration listener; its calls are told as `expired: KEY`", listen},
+        {"init", "", kInstance, kStatement,
+         "initialise the library again; keys from before name nothing any more", init},
+        {"refresh", "started|completed", kNoOptions, kStatement,
+         "tell the library that the modem's profiles are being replaced; in between it answers "
+         "nothing",
+         refresh},
+    };
+}
+
+}  // namespace velactl

@@ -1,0 +1,191 @@
+// Copyright 2026 The libvelar Authors
+// SPDX-License-Identifier: Apache-2.0
+#include "scenario/Stage.h"
+
+#include <utility>
+
+#include "profiles/ProfileField.h"
+#include "profiles/Text.h"
+#include "profiles/ToolError.h"
+#include "profiles/Words.h"
+
+namespace velactl {
+
+Workbench& Stage::workbench() {
+    if (!bench) {
+        bench.emplace(setting.modem, setting.log);
+        last = bench->modemProfiles();
+        bench->takeTraffic();
+    }
+    return *bench;
+}
+
+void Stage::begin(const std::string& operation) {
+    reason.clear();
+    document() = {{"operation", operation}};
+}
+
+Json Stage::takeDocument(Exit status, const std::string& error) {
+    Json whole = {{"operation", document().value("operation", "")},
+                  {"status", static_cast<int>(status)},
+                  {"error", error.empty() ? Json() : Json(error)}};
+    whole.update(std::exchange(document(), Json::object()));
+    return whole;
+}
+
+void Stage::hold(const std::string& name, std::shared_ptr<vela::IProfileKey> key) {
+    if (key) {
+        document()["technology"] = word(key->getTechType());
+        document()["index"] = key->getProfileId();
+    }
+    if (name.empty()) {
+        tellChanges("changes");
+        key.reset();
+        const auto failures = workbench().takeTraffic().failures;
+        reason += (reason.empty() || failures.empty() ? "" : "; ") + join(failures, "; ");
+        tellChanges("released", "Once its key is let go:");
+        return;
+    }
+    keys.erase(name);
+    if (key) {
+        keys[name].key = std::move(key);
+    }
+}
+
+HeldKey& Stage::held(const std::string& name) {
+    const auto found = keys.find(name);
+    if (found == keys.end()) {
+        const auto names = keyNames();
+        throw velactl::refused("no key is held as " + inQuotes(name) + "; " +
+                               (names.empty() ? "none is held" : "held are " + join(names, ", ")));
+    }
+    return found->second;
+}
+
+std::vector<std::string> Stage::keyNames() const {
+    std::vector<std::string> names;
+    for (const auto& [name, key] : keys) {
+        names.push_back(name);
+    }
+    return names;
+}
+
+KeyName Stage::profileOf(const std::string& word, vela::TechType tech) {
+    const auto found = keys.find(word);
+    if (found != keys.end()) {
+        return {found->second.key->getTechType(), found->second.key->getProfileId()};
+    }
+    if (!wrongNumber(word, 0, kMaxIndex).empty()) {
+        held(word);  // says that it is none
+    }
+    return {tech, std::stoi(word)};
+}
+
+std::shared_ptr<vela::IProfileKey> Stage::keyOf(const std::string& word, vela::TechType tech) {
+    const KeyName name = profileOf(word, tech);
+    if (keys.count(word) != 0) {
+        return held(word).key;
+    }
+    try {
+        return workbench().find(name.tech, name.index);
+    } catch (const ToolError& error) {
+        conclude(false, error.what());
+        return nullptr;
+    }
+}
+
+void Stage::conclude(const Traffic& traffic, bool succeeded, const std::string& words) {
+    refused = !succeeded || !traffic.failures.empty();
+    reason = !*refused ? "" : traffic.failures.empty() ? words : join(traffic.failures, "; ");
+    document().emplace("changes", Json::array());
+    document()["failures"] = traffic.failures;
+    if (!setting.isVerb || !*refused) {
+        tell(traffic.failures);
+        if (!words.empty()) {
+            details().line(words);
+        }
+    }
+}
+
+void Stage::tell(const std::vector<std::string>& lines) {
+    for (const std::string& line : lines) {
+        details().line(line);
+    }
+}
+
+void Stage::tellChanges(const char* key, const char* heading) {
+    if (!bench || (isRefreshing && !bench->modem().modemProfiles())) {
+        return;
+    }
+    const ProfileRecords now = bench->modemProfiles();
+    const auto changes = changesBetween(std::exchange(last, now), now, showSecrets());
+    if (changes.empty()) {
+        return;
+    }
+    hasChanged = true;
+    if (heading != nullptr) {
+        details().line(heading);
+    }
+    details().changes(changes);
+    for (const Json& change : changes) {
+        document()[key].push_back(change);
+    }
+}
+
+void Stage::skipChanges() {
+    ProfileRecords now = workbench().modemProfiles();
+    hasChanged = hasChanged || !changesBetween(last, now, true).empty();
+    last = std::move(now);
+}
+
+void Stage::settle() {
+    if (!bench) {
+        return;
+    }
+    bench->settle();
+    tell(bench->takeTraffic().failures);
+    for (auto& [name, key] : keys) {
+        for (; key.toldExpirations < *key.expirations; ++key.toldExpirations) {
+            details().line("expired: " + name);
+        }
+    }
+    tellChanges("changes");
+}
+
+bool Stage::tellAgreement() {
+    const auto modem = bench ? bench->modem().modemProfiles() : std::nullopt;
+    if (!modem) {
+        return true;
+    }
+    const auto differences = bench->disagreements();
+    details().line(differences.empty()
+                       ? "Library and modem agree on " + counted(modem->size(), "profile") + '.'
+                       : "LIBRARY AND MODEM DISAGREE:");
+    for (const std::string& line : differences) {
+        details().line("  " + line);
+    }
+    tell(bench->uncompared());
+    document()["disagreements"] = differences;
+    return differences.empty();
+}
+
+void Stage::save() {
+    if (!bench) {
+        return;
+    }
+    bench->settle();
+    try {
+        const std::string told = bench->save();
+        if (!told.empty()) {
+            details().note(told);
+        }
+    } catch (const ToolError& error) {
+        throw velactl::refused(error.what() + std::string("; what has changed is lost"));
+    }
+}
+
+bool Stage::isForgotten() {
+    return hasChanged && !bench->modem().keepsMemory();
+}
+
+}  // namespace velactl
