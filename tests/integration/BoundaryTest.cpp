@@ -188,13 +188,14 @@ class ErrorStreamWriter : public LogWriter {
 TEST(BoundaryDeathTest, StartNeedsItsDescriptors) {
     runDeathTestsAfresh();
     constexpr int kAny = std::numeric_limits<int>::max();
-    EXPECT_DEATH(startWith(0, kAny, kAny), "<3 Cannot create epoll instance>$");
+    const std::string end = "\\s*(qemu: .*)?$";  // an emulator tells of the abort itself
+    EXPECT_DEATH(startWith(0, kAny, kAny), "<3 Cannot create epoll instance>" + end);
     for (int eventFds = 0; eventFds < 4; ++eventFds) {
-        EXPECT_DEATH(startWith(1, eventFds, kAny), "<3 Cannot create eventfd instance>$");
+        EXPECT_DEATH(startWith(1, eventFds, kAny), "<3 Cannot create eventfd instance>" + end);
     }
     EXPECT_DEATH(startWith(1, 4, kAny),
-                 "<5 VELA thread started>.*<3 Cannot create eventfd instance>$");
-    EXPECT_DEATH(startWith(1, 5, 4), "<5 VELA thread started>.*<3 Cannot add event handler>$");
+                 "<5 VELA thread started>.*<3 Cannot create eventfd instance>" + end);
+    EXPECT_DEATH(startWith(1, 5, 4), "<5 VELA thread started>.*<3 Cannot add event handler>" + end);
     EXPECT_EXIT(startWith(1, 5, 5), testing::ExitedWithCode(0),
                 "<0 EventManager::addEventHandler\\(int [0-9]+, .*, events 17\\) EX>.*"
                 "<1 vela::ClientRequestManager: destructor>");
@@ -230,7 +231,7 @@ TEST_F(BoundaryTest, StartNeedsItsThread) {
     pthread_attr_t huge;
     ASSERT_EQ(pthread_getattr_default_np(&former), 0);
     ASSERT_EQ(pthread_attr_init(&huge), 0);
-    ASSERT_EQ(pthread_attr_setstacksize(&huge, std::size_t{1} << 46U), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&huge, std::size_t{1} << 62U), 0);
     ASSERT_EQ(pthread_setattr_default_np(&huge), 0);
     std::string reason;
     try {
