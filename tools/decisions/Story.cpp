@@ -211,7 +211,7 @@ void tellModify(Lines& to, const Json& step) {
 }
 
 void tellRelease(Lines& to, const Json& step) {
-    tellWrite(to, step, "the last key of " + titleOf(step) + " is let go");
+    tellWrite(to, step, "a key of " + titleOf(step) + " is let go");
 }
 
 void tellMeanwhile(Lines& to, const Json& step) {
