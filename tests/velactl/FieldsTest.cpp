@@ -6,7 +6,7 @@
 #include "ToolRun.h"
 #include "profiles/Output.h"
 #include "profiles/Text.h"
-#include "scenario/Completion.h"
+#include "scenario/Help.h"
 
 namespace velactl {
 namespace {

@@ -9,7 +9,7 @@
 #include <regex>
 
 #include "ToolRun.h"
-#include "scenario/Completion.h"
+#include "scenario/Help.h"
 
 namespace velactl {
 namespace {

@@ -4,7 +4,7 @@
 #include "ToolRun.h"
 #include "profiles/Output.h"
 #include "profiles/Text.h"
-#include "scenario/ScenarioText.h"
+#include "scenario/Arguments.h"
 
 namespace velactl {
 namespace {

@@ -33,10 +33,10 @@ struct ModemOptions {
     std::uint64_t seed = 1;
     /** Gets lines worth telling; may be empty. */
     std::function<void(const std::string& line)> note;
+    /** Gets the library's log lines as they come, on any thread; may be empty, and must not log or
+     * call the library. */
+    std::function<void(std::string_view line)> log;
 };
-
-/** Gets the library's log lines as they come, on any thread; must not log or call the library. */
-using LogSink = std::function<void(std::string_view line)>;
 
 /**
  * What stands below the library: the modem. One implementation is linked in, the simulator's or a
@@ -65,12 +65,11 @@ class Backend {
     /** Whether what is changed is there for the next run. */
     virtual bool keepsMemory() const = 0;
 
-    /** Keeps the modem's persistent memory where the options say; throws ToolError. Returns a line
-     * worth telling, or nothing. */
-    virtual std::string save() = 0;
+    /** Keeps the modem's persistent memory where the options say; throws ToolError. */
+    virtual void save() = 0;
 };
 
 /** The one that is linked in. Throws ToolError. */
-std::unique_ptr<Backend> makeBackend(const ModemOptions& options, LogSink sink);
+std::unique_ptr<Backend> makeBackend(const ModemOptions& options);
 
 }  // namespace velactl

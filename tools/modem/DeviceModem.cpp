@@ -3,7 +3,6 @@
 // The modem of programs that link this file: a device's.
 #include <algorithm>
 #include <chrono>
-#include <utility>
 
 #include "modem/Backend.h"
 #include "modem/Recorder.h"
@@ -17,7 +16,7 @@ namespace {
 /** A real modem, of which the tool knows what the library's public interface tells. */
 class DeviceModem : public Backend {
   public:
-    explicit DeviceModem(LogSink sink) : sink(std::move(sink)) {}
+    explicit DeviceModem(const ModemOptions& options) : log(options.log) {}
 
     void connect(vela::Manager& manager, Recorder& recorder, int instance) override {
         manager.init(instance, false);
@@ -29,7 +28,7 @@ class DeviceModem : public Backend {
     void settle(vela::Manager& manager, Recorder& recorder) override {
         awaitRest(manager);
         recorder.awaitConfirmations(std::chrono::milliseconds(500));
-        if (sink) {
+        if (log) {
             tellLog(manager.dump());
         }
     }
@@ -39,30 +38,30 @@ class DeviceModem : public Backend {
         return "error " + std::to_string(error);
     }
     bool keepsMemory() const override { return true; }
-    std::string save() override { return {}; }
+    void save() override {}
 
   private:
-    /** Gives the sink what is new at the end of the library's dump: its diagnostic log goes to the
+    /** Gives the log what is new at the end of the library's dump: its diagnostic log goes to the
      * vendor. */
     void tellLog(const std::vector<std::string>& dump) {
         const auto begin = std::find(dump.rbegin(), dump.rend(), "Logs:").base();
         const auto seen =
             std::find(dump.rbegin(), std::make_reverse_iterator(begin), lastLine).base();
-        std::for_each(seen, dump.end(), sink);
+        std::for_each(seen, dump.end(), log);
         lastLine = dump.empty() ? "" : dump.back();
     }
 
-    const LogSink sink;
+    const std::function<void(std::string_view line)> log;
     std::string lastLine;
 };
 
 }  // namespace
 
-std::unique_ptr<Backend> makeBackend(const ModemOptions& options, LogSink sink) {
+std::unique_ptr<Backend> makeBackend(const ModemOptions& options) {
     if (!options.file.empty() || options.capacity) {
         throw badUsage("--modem and --capacity are for the simulated modem; this is a device");
     }
-    return std::make_unique<DeviceModem>(std::move(sink));
+    return std::make_unique<DeviceModem>(options);
 }
 
 }  // namespace velactl

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "modem/Recorder.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace velactl {
@@ -84,7 +85,7 @@ void Recorder::onMessage(const vela::ModemMessage& message) {
     pass([&](Observer& to) { to.onMessage(message); });
     const std::lock_guard lock(mutex);
     const bool isDone = message.outcome == vela::MessageOutcome::Answered;
-    expected += isDone ? indicationsOf(message) : 0;
+    expected += isDone ? wordsOf(message.type).indications : 0;
     if (message.type == RegisterIndications || message.type == ConfigureEventList) {
         isDeaf = isDeaf || !isDone;
     } else if (message.type == BindSubscription) {
@@ -113,6 +114,7 @@ void Recorder::onIndication(const vela::ModemIndication& indication) {
     pass([&](Observer& to) { to.onIndication(indication); });
     const std::lock_guard lock(mutex);
     expected -= indication.outcome == vela::IndicationOutcome::Confirmed ? 1 : 0;
+    lost = std::min(lost, expected);  // it was late
     changed.notify_all();
 }
 

@@ -2,15 +2,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "modem/SimulatedModem.h"
 
-#include <rlink_client.h>
 #include <velasim/DiagLog.h>
-#include <wds_service_v01.h>
 
 #include <algorithm>
+#include <charconv>
 #include <utility>
 
 #include "modem/Rest.h"
-#include "modem/SettingsView.h"
 #include "profiles/Text.h"
 #include "profiles/ToolError.h"
 
@@ -51,13 +49,57 @@ void checkCapacity(const ModemOptions& options, const velasim::Snapshot::ModemIm
 /** A line without the tag that the diagnostic log puts before it. */
 std::string_view withoutTag(std::string_view line) {
     constexpr std::string_view kTag = "|VELA| ";
-    return line.substr(0, kTag.size()) == kTag ? line.substr(kTag.size()) : line;
+    return line.substr(line.starts_with(kTag) ? kTag.size() : 0);
+}
+
+/** What a stored profile says, by the table of fields and without the library, so that comparing it
+ * with what the library says proves something. */
+ProfileRecord viewOf(Technology technology, const velasim::StoredProfile& profile) {
+    Json settings = Json::object();
+    for (const std::string& name : velasim::fieldNames(technology)) {
+        if (const auto text = velasim::textOf(profile.settings, name)) {
+            settings[name] = *text;
+        } else if (const auto number = velasim::numberOf(profile.settings, name)) {
+            settings[name] = *number;
+        }
+    }
+    return recordOf(technology == Technology::ThreeGpp2 ? vela::TechType::TECH_3GPP2
+                                                        : vela::TechType::TECH_3GPP,
+                    profile.index, std::move(settings));
+}
+
+std::optional<std::uint64_t> numberFrom(const std::string& name, const std::string& text) {
+    std::uint64_t number = 0;
+    const char* end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, number);
+    if (result.ec == std::errc() && result.ptr == end) {
+        return number;
+    }
+    if (text == "yes" || text == "no") {
+        return text == "yes" ? 1 : 0;
+    }
+    for (const ProfileField& field : profileFields()) {
+        for (const ModemSetting& setting : field.settings) {
+            if (setting.isNamed(name)) {
+                return field.toRaw(field.read(name, text), field.numbersOf(setting))
+                    .get<std::uint64_t>();
+            }
+        }
+    }
+    return std::nullopt;
 }
 
 }  // namespace
 
-SimulatedModem::SimulatedModem(const ModemOptions& options, LogSink sink)
-    : options(options), sink(std::move(sink)) {
+bool setSetting(velasim::Settings& settings, const std::string& name, const std::string& text) {
+    if (velasim::isTextField(name)) {
+        return velasim::setText(settings, name, text);
+    }
+    const auto number = numberFrom(name, text);
+    return number && velasim::setNumber(settings, name, *number);
+}
+
+SimulatedModem::SimulatedModem(const ModemOptions& given) : options(given) {
     velasim::Snapshot memory = load();
     const auto own = static_cast<std::size_t>(options.instance);
     bool isResized = false;
@@ -66,20 +108,20 @@ SimulatedModem::SimulatedModem(const ModemOptions& options, LogSink sink)
         isResized =
             std::exchange(memory.modems[own].capacity, *options.capacity) != *options.capacity;
     }
-    sim = std::make_unique<velasim::Simulator>(simulatorOptions(options, memory.modems.size()));
+    sim.emplace(simulatorOptions(options, memory.modems.size()));
     const std::string error = sim->restore(memory);
     if (!error.empty()) {
         throw refused(options.file + ": " + error);
     }
     savedMemory = isNew || isResized ? "" : sim->snapshot().toJson();
-    if (this->sink) {
+    if (options.log) {
         velasim::DiagLog::instance().setSink(
-            [this](const velasim::DiagLog::Line& line) { this->sink(withoutTag(line.text)); });
+            [this](const velasim::DiagLog::Line& line) { options.log(withoutTag(line.text)); });
     }
 }
 
 SimulatedModem::~SimulatedModem() {
-    if (sink) {
+    if (options.log) {
         velasim::DiagLog::instance().setSink({});
     }
 }
@@ -90,13 +132,13 @@ velasim::Snapshot SimulatedModem::load() {
         return {};
     }
     file.emplace(options.file);
-    const Use use = looksOnly() ? Use::Look : Use::Change;
-    const std::string error = file->open(use, std::chrono::seconds(options.wait));
+    const std::string error =
+        file->open(looksOnly() ? Use::Look : Use::Change, std::chrono::seconds(options.wait));
     if (!error.empty()) {
         throw refused(error + (file->isBusy() ? "; --wait SECONDS waits longer" : ""));
     }
-    isNew = use == Use::Change && file->isNew();
     if (file->isNew()) {
+        isNew = !looksOnly();
         return {};
     }
     velasim::SnapshotResult result = file->load();
@@ -126,28 +168,28 @@ std::optional<ProfileRecords> SimulatedModem::modemProfiles() {
             records.push_back(viewOf(technology, profile));
         }
     }
-    sortTable(records);
     return records;
 }
 
 std::string SimulatedModem::errorName(std::uint32_t error) const {
     const std::string name = velasim::toString(static_cast<velasim::ModemError>(error));
-    const bool isNumber = name.find_first_not_of("0123456789") == std::string::npos;
-    return isNumber ? "error " + name : name;
+    return (name == std::to_string(error) ? "error " : "") + name;
 }
 
-std::string SimulatedModem::save() {
+void SimulatedModem::save() {
     const velasim::Snapshot memory = sim->snapshot();
     std::string text = memory.toJson();
     if (options.file.empty() || looksOnly() || text == savedMemory) {
-        return {};
+        return;
     }
     const std::string error = file->save(memory);
     if (!error.empty()) {
         throw refused(error);
     }
     savedMemory = std::move(text);
-    return std::exchange(isNew, false) ? options.file + ": created, a new modem" : std::string();
+    if (std::exchange(isNew, false) && options.note) {
+        options.note(options.file + ": created, a new modem");
+    }
 }
 
 }  // namespace velactl

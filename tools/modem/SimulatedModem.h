@@ -5,7 +5,6 @@
 #include <velasim/Simulator.h>
 #include <velasim/SnapshotFile.h>
 
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -13,11 +12,16 @@
 
 namespace velactl {
 
+/** Writes one setting, given in the words of a field that is made of it, as "IPv4v6", as yes or no,
+ * or as the modem's own number. False when the modem cannot hold that. Throws ToolError for a word
+ * that is none. */
+bool setSetting(velasim::Settings& settings, const std::string& name, const std::string& text);
+
 /** The modem simulator, with its memory in a file between runs. */
 class SimulatedModem : public Backend {
   public:
     /** Reads the file, if there is one; throws ToolError. */
-    SimulatedModem(const ModemOptions& options, LogSink sink);
+    explicit SimulatedModem(const ModemOptions& options);
     ~SimulatedModem() override;
 
     void connect(vela::Manager& manager, Recorder& recorder, int instance) override;
@@ -26,7 +30,7 @@ class SimulatedModem : public Backend {
     std::optional<ProfileRecords> modemProfiles() override;
     std::string errorName(std::uint32_t error) const override;
     bool keepsMemory() const override { return !options.file.empty(); }
-    std::string save() override;
+    void save() override;
 
     /** Whether settle() leaves deliveries waiting. */
     void holdDeliveries(bool hold) { isHeld = hold; }
@@ -43,13 +47,11 @@ class SimulatedModem : public Backend {
     velasim::Snapshot load();
 
     ModemOptions options;
-    const LogSink sink;
     bool isNew = false;
     bool isHeld = false;
     std::string savedMemory;                    // empty: it is to be saved in any case
     std::optional<velasim::SnapshotFile> file;  // empty without one
-
-    std::unique_ptr<velasim::Simulator> sim;
+    std::optional<velasim::Simulator> sim;
 };
 
 }  // namespace velactl

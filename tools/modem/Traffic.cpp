@@ -4,67 +4,49 @@
 
 #include <rlink_client.h>
 
+#include <algorithm>
+#include <iterator>
+
 namespace velactl {
 
 namespace {
 
-struct MessageWords {
-    const char* name;
-    const char* purpose;
-    int indications = 0;
-};
+using enum vela::ModemMessageType;
 
-MessageWords wordsOf(vela::ModemMessageType type) {
-    using enum vela::ModemMessageType;
-    switch (type) {
-        case CreateProfile:
-            return {"create_profile", "create a profile", 2};  // creation and first change
-        case ModifyProfile:
-            return {"modify_profile", "change a profile", 1};
-        case DeleteProfile:
-            return {"delete_profile", "delete a profile", 1};
-        case ListProfiles:
-            return {"list_profiles", "list the profiles"};
-        case ReadProfile:
-            return {"read_profile", "read a profile"};
-        case BindSubscription:
-            return {"bind_subscription", "bind to the subscription"};
-        case RegisterIndications:
-            return {"register_indications", "send indications"};
-        case ConfigureEventList:
-            return {"configure_event_list", "report changes of profiles"};
-    }
-    return {"unknown", "do something"};
-}
+constexpr MessageWords kMessages[] = {
+    {CreateProfile, "create_profile", "create a profile", "create", 2},  // and its first change
+    {ModifyProfile, "modify_profile", "change a profile", "modify", 1},
+    {DeleteProfile, "delete_profile", "delete a profile", "delete", 1},
+    {ListProfiles, "list_profiles", "list the profiles", "list"},
+    {ReadProfile, "read_profile", "read a profile", "read"},
+    {BindSubscription, "bind_subscription", "bind to the subscription", "bind"},
+    {RegisterIndications, "register_indications", "send indications", "register"},
+    {ConfigureEventList, "configure_event_list", "report changes of profiles", "event-list"},
+};
+constexpr MessageWords kUnknown{{}, "unknown", "do something", ""};
 
 /** Of a service that is not up. */
 std::string absence(std::optional<vela::ServiceState> service) {
-    if (!service) {
-        return "its service has not come up";
-    }
-    return *service == vela::ServiceState::Down ? "its service has gone"
-                                                : "the library could not connect to its service";
-}
-
-void addNote(Connection& connection, const std::string& failure, const char* consequence) {
-    if (!failure.empty()) {
-        connection.notes.push_back(failure + consequence);
-    }
+    return !service                               ? "its service has not come up"
+           : *service == vela::ServiceState::Down ? "its service has gone"
+                                                  : "the library could not connect to its service";
 }
 
 }  // namespace
 
-const char* nameOf(vela::ModemMessageType type) {
-    return wordsOf(type).name;
+std::span<const MessageWords> allMessages() {
+    return kMessages;
 }
 
-int indicationsOf(const vela::ModemMessage& message) {
-    return wordsOf(message.type).indications;
+const MessageWords& wordsOf(vela::ModemMessageType type) {
+    const auto* found = std::find_if(std::begin(kMessages), std::end(kMessages),
+                                     [type](const auto& each) { return each.type == type; });
+    return found == std::end(kMessages) ? kUnknown : *found;
 }
 
 std::string failureOf(const vela::ModemMessage& message, const Backend& modem) {
     const std::string what = wordsOf(message.type).purpose;
-    std::string noAnswer = "the modem did not answer the request to " + what;
+    const std::string noAnswer = "the modem did not answer the request to " + what;
     const std::string number = "messaging error " + std::to_string(message.result);
     switch (message.outcome) {
         case vela::MessageOutcome::Answered:
@@ -99,7 +81,6 @@ Traffic trafficOf(const Messages& messages, const Backend& modem) {
 
 Connection connectionOf(const Messages& messages, std::optional<vela::ServiceState> service,
                         const Backend& modem) {
-    using enum vela::ModemMessageType;
     Connection connection;
     std::string unlisted;
     bool isListed = false;
@@ -110,10 +91,11 @@ Connection connectionOf(const Messages& messages, std::optional<vela::ServiceSta
         unlisted = isList && unlisted.empty() ? failure : unlisted;
         if (message.type == BindSubscription) {
             connection.failure = failure;
-        } else if (message.type == RegisterIndications || message.type == ConfigureEventList) {
-            addNote(connection, failure, ", so the library does not see what others change");
-        } else {
-            addNote(connection, failure, "");
+        } else if (!failure.empty()) {
+            const bool isDeaf =
+                message.type == RegisterIndications || message.type == ConfigureEventList;
+            connection.notes.push_back(
+                failure + (isDeaf ? ", so the library does not see what others change" : ""));
         }
     }
     if (service != vela::ServiceState::Up) {

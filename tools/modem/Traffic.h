@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -17,15 +18,27 @@ namespace velactl {
 
 using Messages = std::vector<vela::ModemMessage>;
 
-/** "create_profile" */
-const char* nameOf(vela::ModemMessageType type);
+/** One kind of message: all that is said of it is said here. */
+struct MessageWords {
+    vela::ModemMessageType type;
+    const char* name;     // "create_profile"
+    const char* purpose;  // "create a profile"
+    const char* target;   // of a fault
+    /** How many the library expects once the modem has carried it out. */
+    int indications = 0;
+};
 
-/** How many indications the library expects once the modem has carried the message out. */
-int indicationsOf(const vela::ModemMessage& message);
+/** Of all messages that the library sends. */
+std::span<const MessageWords> allMessages();
+const MessageWords& wordsOf(vela::ModemMessageType type);
+
+inline const char* nameOf(vela::ModemMessageType type) {
+    return wordsOf(type).name;
+}
 
 /** Whether it is to create, modify or delete a profile. */
 inline bool isWrite(const vela::ModemMessage& message) {
-    return indicationsOf(message) != 0;
+    return wordsOf(message.type).indications != 0;
 }
 
 /** Why a message failed, whole: "the modem refused to create a profile: table full". Empty for one
@@ -36,9 +49,9 @@ std::string failureOf(const vela::ModemMessage& message, const Backend& modem);
 struct Traffic {
     std::size_t writes = 0;
     /** The changes that failed: refused, not answered or not sent, in words. */
-    std::vector<std::string> failures;
+    std::vector<std::string> failures = {};
     /** The same for reading the modem's tables. */
-    std::vector<std::string> failedReads;
+    std::vector<std::string> failedReads = {};
 };
 
 Traffic trafficOf(const Messages& messages, const Backend& modem);

@@ -3,7 +3,6 @@
 #include "modem/Workbench.h"
 
 #include <algorithm>
-#include <iterator>
 #include <list>
 #include <utility>
 
@@ -30,33 +29,22 @@ bool hasUnknown(const ProfileField& field, const Json& modem) {
             value.back().get_ref<const std::string&>().rfind("0x", 0) == 0);
 }
 
-std::vector<std::string> differingFields(const ProfileRecord& library, const ProfileRecord& modem) {
-    std::vector<std::string> names;
+/** In what the library's view is not the modem's, which is null when it has none; empty: in
+ * nothing.
+ */
+std::string differenceOf(const ProfileRecord& library, const ProfileRecord* modem) {
+    if (modem == nullptr) {
+        return title(library) + " is no longer in the modem";
+    }
+    Names names;
     for (const ProfileField& field : profileFields()) {
         const bool isAsked = field.scope <= ProfileField::Scope::Filter;
-        if (isAsked && !isUnreadable(modem, field) && !hasUnknown(field, modem.fields) &&
-            !isSame(field, library.fields, modem.fields)) {
+        if (isAsked && !isUnreadable(*modem, field) && !hasUnknown(field, modem->fields) &&
+            !isSame(field, library.fields, modem->fields)) {
             names.emplace_back(field.key);
         }
     }
-    return names;
-}
-
-bool isSamePlace(const ProfileRecord& left, const ProfileRecord& right) {
-    return left.tech == right.tech && left.index == right.index;
-}
-
-/** `modem` is the modem's own; null when it has none. */
-void tellDifferences(std::vector<std::string>& lines, const ProfileRecord& library,
-                     const ProfileRecord* modem) {
-    if (modem == nullptr) {
-        lines.push_back(title(library) + " is no longer in the modem");
-        return;
-    }
-    const auto names = differingFields(library, *modem);
-    if (!names.empty()) {
-        lines.push_back(title(library) + " differs in " + join(names, ", "));
-    }
+    return names.empty() ? "" : title(library) + " differs in " + join(names, ", ");
 }
 
 /** Those that fit the filter of their search. */
@@ -85,8 +73,8 @@ std::string indexes(const ProfileRecords& records, vela::TechType tech) {
 
 }  // namespace
 
-Workbench::Workbench(const ModemOptions& options, LogSink sink)
-    : library(vela::Manager::getInstance()), backend(makeBackend(options, std::move(sink))) {
+Workbench::Workbench(const ModemOptions& options)
+    : library(vela::Manager::getInstance()), backend(makeBackend(options)) {
     const Connection connection = connect(options.instance);
     if (!connection.failure.empty()) {
         throw refused("modem instance " + std::to_string(options.instance) +
@@ -129,12 +117,13 @@ std::vector<std::string> Workbench::disagreements() {
     const auto entries = search({});
     const ProfileRecords held = fitting(entries);
     std::vector<std::string> lines;
-    for (auto record = held.begin(); record != held.end(); ++record) {
-        if (record != held.begin() && isSamePlace(*record, *std::prev(record))) {
-            lines.push_back(title(*record) + " is held twice by the library");
+    for (const ProfileRecord& record : held) {
+        if (findRecord(held, record.tech, record.index) != &record) {
+            lines.push_back(title(record) + " is held twice by the library");
         }
-        tellDifferences(lines, *record, findRecord(*modem, record->tech, record->index));
+        lines.push_back(differenceOf(record, findRecord(*modem, record.tech, record.index)));
     }
+    std::erase(lines, "");
     for (const ProfileRecord& record : *modem) {
         if (findRecord(held, record.tech, record.index) == nullptr) {
             lines.push_back(title(record) + " is unknown to the library");

@@ -25,7 +25,7 @@ struct KeyName {
 class Workbench {
   public:
     /** Throws ToolError when the modem's memory cannot be read or the modem does not answer. */
-    explicit Workbench(const ModemOptions& options, LogSink sink = {});
+    explicit Workbench(const ModemOptions& options);
     Workbench(const Workbench&) = delete;
     Workbench& operator=(const Workbench&) = delete;
 
@@ -65,9 +65,6 @@ class Workbench {
 
     /** How many indications of its own changes the library still expects. */
     int expectedIndications() const { return recorder->expectedIndications(); }
-
-    /** Keeps the modem's memory. Returns a line worth telling, or nothing. */
-    std::string save() { return backend->save(); }
 
   private:
     Connection connect(int instance);

@@ -189,7 +189,7 @@ std::vector<std::string> secondRun(Workbench& bench, const Operator& candidate) 
 
 /** On a fresh modem; `wrong` are things that must not be. */
 Json provisionFresh(const Operator& candidate, const SurveyOptions& options, bool showSecrets) {
-    Workbench bench(options.modem, options.log);
+    Workbench bench(options.modem);
     if (bench.modem().keepsMemory()) {
         throw badUsage("provision --all uses fresh modems; this one keeps what it holds");
     }

@@ -19,7 +19,6 @@ std::string provisionOne(Output& output, Workbench& bench, const Operator& candi
 struct SurveyOptions {
     /** Of each operator's modem, which is a fresh one. */
     ModemOptions modem;
-    LogSink log;
     /** Provisions each a second time, which must change nothing. */
     bool isTwice = false;
     bool isExplained = false;

@@ -4,14 +4,20 @@
 
 #include <algorithm>
 
-#include "profiles/ProfileField.h"
 #include "profiles/Text.h"
 #include "profiles/ToolError.h"
-#include "profiles/Words.h"
 
 namespace velactl {
 
 namespace {
+
+constexpr std::size_t kMaxLine = 4096;
+
+void checkByte(char byte) {
+    if (static_cast<unsigned char>(byte) < ' ' && byte != '\t') {
+        throw badUsage("a control character in the line; remove it");
+    }
+}
 
 /** How many letters must be put in, left out, replaced or exchanged with their neighbour. */
 std::size_t distanceOf(const std::string& left, const std::string& right) {
@@ -39,19 +45,15 @@ std::string essenceOf(const std::string& word) {
 }
 
 const Option& optionNamed(const std::vector<Option>& options, const std::string& name) {
-    const Option* option = findOption(options, name);
-    if (option == nullptr) {
-        Names names;
-        for (const Option& each : options) {
-            names.push_back(each.name);
-        }
-        const std::string nearest = nearestOf(names, name);
-        throw badUsage(inQuotes(name) + " is no option here; " +
-                       (names.empty()     ? "there are none"
-                        : nearest.empty() ? "use " + alternatives(names)
-                                          : "did you mean " + inQuotes(nearest) + "?"));
+    if (const Option* option = findOption(options, name)) {
+        return *option;
     }
-    return *option;
+    const Names names = namesIn(options, &Option::name);
+    const std::string nearest = nearestOf(names, name);
+    throw badUsage(inQuotes(name) + " is no option here; " +
+                   (names.empty()     ? "there are none"
+                    : nearest.empty() ? "use " + alternatives(names)
+                                      : "did you mean " + inQuotes(nearest) + "?"));
 }
 
 /** An option is given once, and not with its opposite. */
@@ -59,52 +61,98 @@ void checkOnce(const Arguments& arguments, const Option& option, const std::stri
     if (arguments.has(name)) {
         throw badUsage(name + " is given twice");
     }
-    if (arguments.has(option.name) ||
-        (!option.opposite.empty() && arguments.has(option.opposite))) {
+    if (arguments.has(option.name) || arguments.has(option.opposite)) {
         throw badUsage(option.name + " and " + option.opposite + " exclude each other");
     }
 }
 
 }  // namespace
 
-std::string Arguments::text(const std::string& option, const std::string& otherwise) const {
-    const auto found = options.find(option);
-    return found == options.end() ? otherwise : found->second;
+bool ScenarioWord::isOption() const {
+    return !isQuoted && text.size() > 1 && text[0] == '-' && (text[1] < '0' || text[1] > '9');
 }
 
-std::int64_t Arguments::number(const std::string& option, std::int64_t otherwise) const {
-    return has(option) ? std::stoll(text(option)) : otherwise;
+ScenarioWords splitStatement(std::string_view line) {
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    line.remove_prefix(line.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
+    if (line.size() > kMaxLine) {
+        throw badUsage("a line of " + std::to_string(line.size()) + " bytes; at most " +
+                       std::to_string(kMaxLine) + " are read");
+    }
+    ScenarioWords words;
+    bool isInWord = false;
+    bool isInQuotes = false;
+    for (std::size_t at = 0; at < line.size(); ++at) {
+        if (!isInQuotes && std::string_view(" \t\r").find(line[at]) != std::string_view::npos) {
+            isInWord = false;
+            continue;
+        }
+        if (!isInWord && line[at] == '#') {
+            break;
+        }
+        if (!isInWord) {
+            words.push_back({"", line[at] == '"'});
+            isInWord = true;
+        }
+        const bool isEscaped = isInQuotes && line[at] == '\\' && at + 1 < line.size();
+        at += isEscaped ? 1 : 0;
+        checkByte(line[at]);
+        if (line[at] == '"' && !isEscaped) {
+            isInQuotes = !isInQuotes;
+        } else {
+            words.back().text += line[at];
+        }
+    }
+    if (isInQuotes) {
+        throw badUsage("a quoted word without its closing \"");
+    }
+    return words;
 }
 
-std::string Arguments::word(std::size_t place) const {
-    return place < words.size() ? words[place] : std::string();
+Names textsOf(const ScenarioWords& words) {
+    return namesIn(words, &ScenarioWord::text);
+}
+
+std::string shownStatement(const std::string& line, bool showSecrets) {
+    if (showSecrets || !mayBeSecret(line)) {
+        return printable(trim(line));
+    }
+    Names parts;
+    bool isSecret = false;
+    for (const ScenarioWord& word : splitStatement(line)) {
+        parts.push_back(isSecret ? "***" : withoutSecret(word.text));
+        isSecret = word.isOption() && word.text == "--password";
+    }
+    return printable(join(parts, " "));
+}
+
+bool mayBeSecret(std::string line) {
+    std::erase_if(line, [](char byte) { return byte == '"' || byte == '\\'; });
+    return toLower(line).find("pass") != std::string::npos;
+}
+
+std::string withoutSecret(const std::string& text) {
+    // An APN that is written like a setting is taken for one: a word does not tell what it is.
+    const std::size_t equals = text.find('=');
+    const std::string name = toLower(text.substr(0, equals));
+    const bool isName = name.find_first_not_of("abcdefghijklmnopqrstuvwxyz_-") == std::string::npos;
+    const bool isSecret = isName && name.find("password") != std::string::npos;
+    return isSecret && equals != std::string::npos ? text.substr(0, equals) + "=***" : text;
 }
 
 vela::TechType Arguments::tech() const {
     return has("--tech") ? readTech("--tech", text("--tech")) : vela::TechType::TECH_3GPP;
 }
 
-std::string Arguments::givenFor(const ProfileField& field) const {
-    if (field.kind != ProfileField::Kind::Switch) {
-        return has(field.option()) ? field.option() : "";
-    }
-    return has(field.option()) ? field.option() : has(field.offOption()) ? field.offOption() : "";
-}
-
-bool Arguments::hasFields() const {
-    const auto& all = profileFields();
-    return std::any_of(all.begin(), all.end(),
-                       [this](const ProfileField& field) { return !givenFor(field).empty(); });
-}
-
 Json Arguments::fields() const {
     Json given = Json::object();
     for (const ProfileField& field : profileFields()) {
-        const std::string option = givenFor(field);
-        if (!option.empty()) {
-            given[field.key] = field.kind == ProfileField::Kind::Switch
-                                   ? Json(option == field.option())
-                                   : field.read(option, text(option));
+        const bool isSwitch = field.kind == ProfileField::Kind::Switch;
+        if (has(field.option())) {
+            given[field.key] =
+                isSwitch ? Json(true) : field.read(field.option(), text(field.option()));
+        } else if (isSwitch && has(field.offOption())) {
+            given[field.key] = false;
         }
     }
     return given;
@@ -136,20 +184,19 @@ Arguments readArguments(const std::vector<Option>& options, const ScenarioWords&
             continue;
         }
         const std::size_t equals = word->text.find('=');
+        const bool hasValue = equals != std::string::npos;
         const std::string name = word->text.substr(0, equals);
         const Option& option = optionNamed(options, name);
         checkOnce(arguments, option, name);
-        std::string value;
-        if (equals != std::string::npos) {
-            value = word->text.substr(equals + 1);
-        } else if (!option.value.empty()) {
+        if (option.value.empty() && hasValue) {
+            throw badUsage(name + " takes no value");
+        }
+        std::string value = hasValue ? word->text.substr(equals + 1) : "";
+        if (!option.value.empty() && !hasValue) {
             if (++word == given.end() || word->isOption()) {
                 throw badUsage(name + " needs a value");
             }
             value = word->text;
-        }
-        if (option.value.empty() && equals != std::string::npos) {
-            throw badUsage(name + " takes no value");
         }
         if (option.check) {
             option.check(name, value);

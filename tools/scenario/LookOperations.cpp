@@ -81,14 +81,16 @@ void say(Stage& stage, const Arguments& arguments) {
 }  // namespace
 
 Operations lookOperations() {
+    constexpr unsigned kLook = kEverywhere | kLooking;
     return {
-        {"list", "", kTech, kEverywhere | kLooking, "the profiles, as the library sees them", list},
-        {"show", "[KEY|ID]", kTech, kEverywhere | kLooking,
-         "one profile, field by field; without a word the modem's table and the library's", show},
-        {"dump", "", kNoOptions, kEverywhere | kLooking,
-         "the library's own dump: cache, expected indications, log", dump},
-        {"keys", "", kNoOptions, kStatement, "the keys that are held", keys},
-        {"say", "[TEXT...]", kFreeText, kStatement, "tell the reader", say},
+        {"list", "the profiles, as the library sees them", list, kTech, kLook},
+        {"show [KEY|ID]",
+         "one profile, field by field; without a word the modem's table and the library's", show,
+         kTech, kLook},
+        {"dump", "the library's own dump: cache, expected indications, log", dump, kNoOptions,
+         kLook},
+        {"keys", "the keys that are held", keys},
+        {"say [TEXT...]", "tell the reader", say, kFreeText},
     };
 }
 

@@ -4,6 +4,10 @@
 
 namespace velactl {
 
+Names valuesOf(const std::string& /*placeholder*/) {
+    return {};
+}
+
 Operations modemOperations() {
     return {};
 }

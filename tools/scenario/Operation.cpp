@@ -7,9 +7,7 @@
 #include <iterator>
 #include <utility>
 
-#include "profiles/Text.h"
 #include "profiles/ToolError.h"
-#include "profiles/Words.h"
 #include "scenario/Stage.h"
 
 namespace velactl {
@@ -20,22 +18,25 @@ constexpr int kMaxCount = 1000000;
 
 Operations collect() {
     Operations all;
-    for (auto [section, list] : {std::pair("Looking", lookOperations()),
-                                 {"Profiles", profileOperations()},
-                                 {"Policies", policyOperations()},
-                                 {"The modem, and others", modemOperations()},
-                                 {"Faults", faultOperations()},
-                                 {"Expectations", expectOperations()}}) {
-        for (Operation& operation : list) {
-            operation.section = section;
+    for (const auto& [section, list] : {std::pair("Looking", lookOperations()),
+                                        {"Profiles", profileOperations()},
+                                        {"Policies", policyOperations()},
+                                        {"The modem, and others", modemOperations()},
+                                        {"Faults", faultOperations()},
+                                        {"Expectations", expectOperations()},
+                                        {"Scenarios", playOperations()},
+                                        {"Help", helpOperations()}}) {
+        for (const Operation& operation : list) {
             all.push_back(operation);
+            all.back().section = section;
         }
     }
     return all;
 }
 
-bool isOptional(const std::string& placeholder) {
-    return placeholder.front() == '[';
+/** Whether it is a word of an operation's name, and stands for itself. */
+bool isName(const std::string& piece) {
+    return piece.find_first_of("[|") == std::string::npos && piece == toLower(piece);
 }
 
 bool startsWith(const Names& words, const Names& start) {
@@ -44,8 +45,8 @@ bool startsWith(const Names& words, const Names& start) {
 
 void verifyWord(const std::string& word, const std::string& placeholder) {
     const Names choices = choicesIn(placeholder);
-    const bool isChoice = choices.front() == toLower(choices.front());
-    if (isChoice && std::find(choices.begin(), choices.end(), word) == choices.end()) {
+    if (isName(choices.front()) &&
+        std::find(choices.begin(), choices.end(), word) == choices.end()) {
         throw badUsage(inQuotes(word) + ": use " + alternatives(choices));
     }
     const std::string error = choices == Names{"N"}    ? wrongNumber(word, 0, kMaxCount)
@@ -57,19 +58,10 @@ void verifyWord(const std::string& word, const std::string& placeholder) {
     }
 }
 
-Names namesOf(const Operations& list) {
-    Names names;
-    std::transform(list.begin(), list.end(), std::back_inserter(names),
-                   [](const Operation& operation) { return operation.name; });
-    return names;
-}
-
 /** The name that the words may be slips of, as far as they go; empty: nothing is near. */
 std::string nearestName(const Operations& list, const Names& words) {
-    Names firsts;
-    std::transform(list.begin(), list.end(), std::back_inserter(firsts),
-                   [](const Operation& operation) { return operation.nameWords().front(); });
-    const std::string first = nearestOf(firsts, words.front());
+    const auto firstOf = [](const Operation& each) { return each.nameWords().front(); };
+    const std::string first = nearestOf(namesIn(list, firstOf), words.front());
     Names seconds;
     for (const Operation& operation : list) {
         const Names name = operation.nameWords();
@@ -85,18 +77,19 @@ std::string nearestName(const Operations& list, const Names& words) {
 
 Names choicesIn(const std::string& placeholder) {
     std::string text = placeholder;
-    text.erase(std::remove_if(text.begin(), text.end(),
-                              [](char byte) { return byte == '[' || byte == ']' || byte == '.'; }),
-               text.end());
+    std::erase_if(text, [](char byte) { return byte == '[' || byte == ']' || byte == '.'; });
     return split(text, '|');
 }
 
 Names Operation::nameWords() const {
-    return split(name, ' ');
+    Names words = split(form, ' ');
+    words.erase(std::find_if_not(words.begin(), words.end(), isName), words.end());
+    return words;
 }
 
-Names Operation::placeholders(Place place) const {
-    Names pieces = split(words, ' ');
+Names Operation::placeholders(unsigned place) const {
+    Names pieces = split(form, ' ');
+    pieces.erase(pieces.begin(), std::find_if_not(pieces.begin(), pieces.end(), isName));
     if (place == kVerb) {
         std::erase(pieces, "[KEY]");
         for (std::string& piece : pieces) {
@@ -107,75 +100,68 @@ Names Operation::placeholders(Place place) const {
     return pieces;
 }
 
-Names Operation::usage(Place place) const {
+Names Operation::usage(unsigned place) const {
     Names pieces = placeholders(place);
-    pieces.insert(pieces.begin(), name);
+    pieces.insert(pieces.begin(), name());
     for (const Option& option : optionsOf(options)) {
         const std::string group = option.groupName();
         const std::string piece = group.empty() ? option.usage() : group;
-        pieces.push_back(group == "fields" && (options & kSomeField) != 0 ? piece
-                                                                          : '[' + piece + ']');
+        const bool isNeeded = group == "fields" && (options & kSomeField) != 0;
+        pieces.push_back(isNeeded ? piece : '[' + piece + ']');
     }
     // A group stands there once.
     pieces.erase(std::unique(pieces.begin(), pieces.end()), pieces.end());
     return pieces;
 }
 
-void Operation::verify(const Arguments& arguments, Place place) const {
-    const Names all = placeholders(place);
-    const auto fewest = std::count_if(all.begin(), all.end(), std::not_fn(isOptional));
+void Operation::verify(const Arguments& arguments) const {
+    const Names all = placeholders(arguments.place);
+    const auto fewest =
+        std::count_if(all.begin(), all.end(), [](const auto& each) { return each.front() != '['; });
     const bool isEndless = !all.empty() && all.back().find("...") != std::string::npos;
     const std::size_t given = arguments.words.size();
     if (given < static_cast<std::size_t>(fewest) || (given > all.size() && !isEndless)) {
-        throw badUsage("write it as: " + join(usage(place), " "));
+        throw badUsage("write it as: " + join(usage(arguments.place), " "));
     }
     for (std::size_t i = 0; i < given && (options & kFreeText) == 0; ++i) {
         verifyWord(arguments.words[i], all[std::min(i, all.size() - 1)]);
     }
-    if ((options & kSomeField) != 0 && !arguments.hasFields()) {
-        throw badUsage(std::string(name) +
-                       ": nothing to change; give at least one field, as --apn NAME");
+    if ((options & kSomeField) != 0 && arguments.fields().empty()) {
+        throw badUsage(name() + ": nothing to change; give at least one field, as --apn NAME");
     }
     if (check != nullptr) {
         check(arguments);
     }
 }
 
-Operations operationsAt(Place place) {
+Operations operationsAt(unsigned places, const Names& words) {
     static const Operations all = collect();
-    Operations some;
-    std::copy_if(all.begin(), all.end(), std::back_inserter(some),
-                 [place](const Operation& each) { return (each.places & place) != 0; });
+    Operations some = all;
+    std::erase_if(some, [&](const Operation& each) {
+        const Names name = each.nameWords();
+        return (each.places & places) == 0 || !(startsWith(name, words) || startsWith(words, name));
+    });
     return some;
 }
 
-Operations operationsNamed(const Operations& list, const Names& words) {
-    Operations named;
-    std::copy_if(list.begin(), list.end(), std::back_inserter(named),
-                 [&words](const Operation& operation) {
-                     const Names name = operation.nameWords();
-                     return startsWith(name, words) || startsWith(words, name);
-                 });
-    return named;
-}
-
-Operation operationOf(const Operations& list, const Names& words, const std::string& kind) {
-    const Operations family = operationsNamed(list, {words.begin(), words.begin() + 1});
+Operation operationOf(unsigned place, const Names& words) {
+    const Operations family = operationsAt(place, {words.front()});
     for (const Operation& operation : family) {
         if (startsWith(words, operation.nameWords())) {
             return operation;
         }
     }
-    const std::string nearest = nearestName(list, words);
-    throw badUsage(inQuotes(withoutSecret(words.front())) + " is no " + kind + "; " +
+    const std::string nearest = nearestName(operationsAt(place), words);
+    throw badUsage(inQuotes(withoutSecret(words.front())) + " is no " +
+                   (place == kVerb ? "verb; " : "statement; ") +
                    (!nearest.empty() && nearest != words.front()
                         ? "did you mean " + inQuotes(nearest) + "?"
                     : family.empty() ? "help lists them"
-                                     : "use " + alternatives(namesOf(family))));
+                                     : "use " + alternatives(namesIn(family, &Operation::name))));
 }
 
-Statement::Statement(const Operation& operation, Place place, const ScenarioWords& words)
-    : kind(operation) {
+Statement::Statement(const ScenarioWords& words, unsigned place)
+    : kind(operationOf(place, textsOf(words))) {
     const ScenarioWords given{std::next(words.begin(), std::ssize(kind.nameWords())), words.end()};
     if ((kind.options & kFreeText) != 0) {
         arguments.words = textsOf(given);
@@ -183,15 +169,12 @@ Statement::Statement(const Operation& operation, Place place, const ScenarioWord
         const unsigned groups = kind.options | (place == kVerb ? kEveryVerb : 0U);
         arguments = readArguments(optionsOf(groups), given);
     }
-    kind.verify(arguments, place);
+    arguments.place = place;
+    kind.verify(arguments);
 }
 
-Statement::Statement(const ScenarioWords& words)
-    : Statement(operationOf(operationsAt(kStatement), textsOf(words), "statement"), kStatement,
-                words) {}
-
 void Statement::play(Stage& stage) const {
-    stage.begin(kind.name);
+    stage.begin(kind.name());
     kind.run(stage, arguments);
     stage.settle();
 }

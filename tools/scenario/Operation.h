@@ -5,71 +5,59 @@
 #include <string>
 #include <vector>
 
+#include "profiles/Text.h"
 #include "scenario/Arguments.h"
 
 namespace velactl {
 
 class Stage;
 
-/** Where an operation can be given. */
-enum Place : unsigned {
-    kStatement = 1,  // in a scenario and in the shell
-    kVerb = 2,       // on the command line, where it is a statement run once
-    kEverywhere = kStatement | kVerb,
-    kLooking = 4  // changes nothing, so that others may use the modem's file meanwhile
-};
-
 /** One kind of statement, or of verb: all that is said of it is said here. */
 struct Operation {
-    /** One or two words, as "foreign create". */
-    const char* name;
-    /** The words behind it: "KEY [ID]"; "[X...]" any number; "on|off" one of these. */
-    const char* words;
-    unsigned options;
-    unsigned places;
+    /** As people write it: its name, of one or two words, and the words behind that: "KEY [ID]";
+     * "[X...]" any number; "on|off" one of these. */
+    const char* form;
     const char* help;
     /** Throws ToolError when it cannot be done or an expectation does not hold. */
     void (*run)(Stage& stage, const Arguments& arguments);
+    unsigned options = kNoOptions;
+    unsigned places = kStatement;
     /** Checks what only this one understands; may be null. Throws ToolError. */
     void (*check)(const Arguments& arguments) = nullptr;
-    /** What may stand for a placeholder, of an option's value as well; may be null. */
-    Names (*values)(const std::string& placeholder) = nullptr;
     /** The heading under which help and documents have it. */
     const char* section = "";
 
+    std::string name() const { return join(nameWords(), " "); }
     Names nameWords() const;
     /** Of the words behind the name. A verb holds no keys. */
-    Names placeholders(Place place) const;
+    Names placeholders(unsigned place) const;
     /** As it is written at that place: "add", "[KEY]", "[fields]", "[--tech T]". */
-    Names usage(Place place) const;
+    Names usage(unsigned place) const;
     /** Throws ToolError when these are not arguments for it. */
-    void verify(const Arguments& arguments, Place place) const;
+    void verify(const Arguments& arguments) const;
 };
 
 using Operations = std::vector<Operation>;
 
-/** Those that can be given at that place, in the order of the help. */
-Operations operationsAt(Place place);
+/** Those that can be given at one of the places, in the order of the help; if there are words,
+ * whose names begin with them, or are begun by them. */
+Operations operationsAt(unsigned places, const Names& words = {});
 
-/** Those of the list whose names begin with the words, or are begun by them. */
-Operations operationsNamed(const Operations& list, const Names& words);
-
-/** The one whose name the words begin with; throws ToolError with a suggestion. `kind` is what the
- * list is of, as "verb". */
-Operation operationOf(const Operations& list, const Names& words, const std::string& kind);
+/** The one whose name the words begin with; throws ToolError with a suggestion. */
+Operation operationOf(unsigned place, const Names& words);
 
 /** "KEY|ID" in its parts, without brackets and dots. */
 Names choicesIn(const std::string& placeholder);
+
+/** What may stand for a placeholder, if that is always the same. */
+Names valuesOf(const std::string& placeholder);
 
 /** An operation with all that it was given, which can be played any number of times. */
 class Statement {
   public:
     /** `words` begin with the operation's name. Throws ToolError that says what is wrong and what
      * would be right. */
-    Statement(const Operation& operation, Place place, const ScenarioWords& words);
-
-    /** A statement of a scenario. */
-    explicit Statement(const ScenarioWords& words);
+    explicit Statement(const ScenarioWords& words, unsigned place = kScenario);
 
     /** Plays it and tells what it did to the modem. Throws ToolError when it cannot be played or an
      * expectation does not hold. */
@@ -88,8 +76,14 @@ Operations lookOperations();
 Operations profileOperations();
 Operations policyOperations();
 Operations expectOperations();
+Operations playOperations();
+Operations helpOperations();
 // What only a simulator can do; none when there is none.
 Operations modemOperations();
 Operations faultOperations();
+
+/** What the verb shell does: a prompt for statements, on the standard input, until that ends or
+ * asks to. Throws the status of the last error, but on a terminal whoever types has seen them. */
+void runShell(Stage& stage, const Arguments& arguments);
 
 }  // namespace velactl

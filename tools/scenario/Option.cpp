@@ -18,14 +18,12 @@ namespace velactl {
 
 namespace {
 
-using Check = std::function<void(const std::string& name, const std::string& text)>;
-
 constexpr std::int64_t kMaxInstance = 15;
 constexpr std::int64_t kMaxCapacity = 255;
 constexpr std::int64_t kMaxWait = 86400;
 constexpr std::int64_t kMaxNumber = std::numeric_limits<std::uint32_t>::max();
 
-Check number(std::int64_t lowest, std::int64_t highest) {
+auto number(std::int64_t lowest, std::int64_t highest) {
     return [lowest, highest](const std::string& name, const std::string& text) {
         const std::string error = wrongNumber(text, lowest, highest);
         if (!error.empty()) {
@@ -58,25 +56,20 @@ unsigned groupsOf(ProfileField::Scope scope) {
 }
 
 Option optionOf(const ProfileField& field) {
+    Option option{groupsOf(field.scope), field.option(), "", field.help};
     if (field.kind == ProfileField::Kind::Switch) {
-        return {groupsOf(field.scope), field.option(), "", field.help, {}, {}, field.offOption()};
+        option.opposite = field.offOption();
+        return option;
     }
-    const auto check = [&field](const std::string& name, const std::string& text) {
-        field.read(name, text);
-    };
-    return {groupsOf(field.scope),
-            field.option(),
-            "TEXT",
-            field.help + (": " + field.valuesText()),
-            check,
-            field.words};
+    option.value = "TEXT";
+    option.help += ": " + field.valuesText();
+    option.check = [&field](const auto& name, const auto& text) { field.read(name, text); };
+    option.choices = field.words;
+    return option;
 }
 
 std::vector<Option> collect() {
-    std::vector<Option> all;
-    std::transform(profileFields().begin(), profileFields().end(), std::back_inserter(all),
-                   optionOf);
-    const std::vector<Option> others{
+    std::vector<Option> all{
         {kOperator, "--apns", "FILE",
          "operator file (Android's apns-conf.xml); - reads the standard input", notEmpty},
         {kOperator, "--plmn", "MCCMNC", "the operator: 26201 or 310/260",
@@ -128,7 +121,8 @@ std::vector<Option> collect() {
         {kEveryVerb, "--help", "", "this help, or that of the verb; so does -h"},
         {kEveryVerb, "--version", "", "the version of the tool"},
     };
-    all.insert(all.end(), others.begin(), others.end());
+    const auto& fields = profileFields();
+    std::transform(fields.begin(), fields.end(), std::inserter(all, all.begin()), optionOf);
     return all;
 }
 
@@ -144,9 +138,8 @@ std::string Option::usage() const {
 
 std::vector<Option> optionsOf(unsigned groups) {
     static const std::vector<Option> all = collect();
-    std::vector<Option> some;
-    std::copy_if(all.begin(), all.end(), std::back_inserter(some),
-                 [groups](const Option& option) { return (option.groups & groups) != 0; });
+    std::vector<Option> some = all;
+    std::erase_if(some, [groups](const Option& each) { return (each.groups & groups) == 0; });
     return some;
 }
 

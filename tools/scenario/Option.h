@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-namespace velactl {
+#include "profiles/Words.h"
 
-using Names = std::vector<std::string>;
+namespace velactl {
 
 /** What an operation takes besides its words; options of other operations are refused. */
 enum OptionGroup : unsigned {
@@ -59,5 +59,15 @@ std::vector<Option> optionsOf(unsigned groups);
 
 /** The one of that name, or of that opposite; null when there is none. */
 const Option* findOption(const std::vector<Option>& options, const std::string& name);
+
+/** The name that each has. */
+template <typename List, typename Name>
+Names namesIn(const List& list, Name name) {
+    Names names;
+    for (const auto& each : list) {
+        names.push_back(std::invoke(name, each));
+    }
+    return names;
+}
 
 }  // namespace velactl

@@ -18,34 +18,23 @@ namespace {
 
 using Requests = std::list<vela::ProfileParams>;
 using Entries = std::vector<OperatorEntry>;
-using Key = std::shared_ptr<vela::IProfileKey>;
 
-/** A policy as people name it, and what it takes of an operator's entries. */
+/** A policy as people name it; which of an operator's entries it takes, the first of some types,
+ * that of the attach, or all; and whether it yields a key. */
 struct Purpose {
     const char* name;
-    Entries (*pick)(const Operator& candidate, const Arguments& arguments);
+    enum class Of { Attach, Types, All } of = Of::All;
+    unsigned int types = 0;
+    bool yields = false;
 };
 
-Entries listOf(const OperatorEntry* entry) {
+Entries entriesFor(const Purpose& purpose, const Operator& candidate) {
+    if (purpose.of == Purpose::Of::All) {
+        return candidate.entries;
+    }
+    const OperatorEntry* entry =
+        purpose.of == Purpose::Of::Attach ? candidate.attachEntry() : candidate.find(purpose.types);
     return entry == nullptr ? Entries() : Entries{*entry};
-}
-
-Entries forAttach(const Operator& candidate, const Arguments& /*arguments*/) {
-    return listOf(candidate.attachEntry());
-}
-
-Entries forCall(const Operator& candidate, const Arguments& arguments) {
-    const vela::ProfileParams given = paramsOf(arguments.fields());
-    return listOf(candidate.find(given.hasApnTypesMask() ? given.getApnTypesMask()
-                                                         : toMask(vela::ApnTypes::DEFAULT)));
-}
-
-Entries forEmergency(const Operator& candidate, const Arguments& /*arguments*/) {
-    return listOf(candidate.find(toMask(vela::ApnTypes::EMERGENCY)));
-}
-
-Entries all(const Operator& candidate, const Arguments& /*arguments*/) {
-    return candidate.entries;
 }
 
 Operator operatorIn(const OperatorFile& file, const Arguments& arguments) {
@@ -60,7 +49,7 @@ Requests requestsOf(const Arguments& arguments, const Purpose& purpose) {
     const OperatorFile file = OperatorFile::load(arguments.text("--apns"));
     const Operator candidate = operatorIn(file, arguments);
     Requests list;
-    for (const OperatorEntry& entry : purpose.pick(candidate, arguments)) {
+    for (const OperatorEntry& entry : entriesFor(purpose, candidate)) {
         if (entry.isUsable()) {
             Json asked = fieldsOf(entry.profile(true, true));
             asked.update(arguments.fields());
@@ -98,7 +87,7 @@ void noteNotKept(Stage& stage, const Requests& requests, vela::TechType tech) {
     }
 }
 
-/** Tells how the policy was decided, and what it has changed. */
+/** Tells how a policy was decided, and what it has changed. */
 void tell(Stage& stage, const Decision& decision) {
     Json record = decision.toJson(stage.showSecrets());
     for (const std::string& line : decision.lines(stage.showSecrets())) {
@@ -110,15 +99,14 @@ void tell(Stage& stage, const Decision& decision) {
         stage.document()["released"] = record["release_changes"];
     }
     stage.document()["decision"] = std::move(record);
-    Traffic traffic;
-    traffic.failures = decision.failures();
-    stage.conclude(traffic, decision.isDone(), decision.refusal());
+    stage.conclude({.failures = decision.failures()}, decision.isDone(), decision.refusal());
     if (isSeen) {
         stage.skipChanges();
     }
 }
 
-/** Runs a policy, which `call` makes for what is asked. */
+/** Runs a policy, which `call` makes for what is asked. A key that it yields is held under the
+ * first word. */
 template <typename Call>
 void decide(Stage& stage, const Arguments& arguments, const Purpose& purpose, Call call) {
     const Requests asked = requestsOf(arguments, purpose);
@@ -126,78 +114,73 @@ void decide(Stage& stage, const Arguments& arguments, const Purpose& purpose, Ca
     Decision decision(stage.workbench(), purpose.name);
     stage.policies.setProfileUpdateAllowed(arguments.has("--allow-update") ||
                                            stage.isUpdateAllowed);
-    call(asked, decision);
+    Key key = call(asked);
+    decision.end();
+    const bool isHeld = !arguments.words.empty();
+    if (key) {
+        stage.document()["technology"] = word(key->getTechType());
+        stage.document()["index"] = key->getProfileId();
+    }
+    if (purpose.yields && !isHeld) {
+        key.reset();
+        decision.release();
+    }
     tell(stage, decision);
-}
-
-/** The same of one that yields a key, which is held under the first word. */
-template <typename Find>
-void yield(Stage& stage, const Arguments& arguments, const Purpose& purpose, Find find) {
-    Key key;
-    decide(stage, arguments, purpose, [&](const Requests& asked, Decision& decision) {
-        key = find(asked.front());
-        decision.end();
-        if (key) {
-            stage.document()["technology"] = word(key->getTechType());
-            stage.document()["index"] = key->getProfileId();
-        }
-        if (arguments.words.empty()) {
-            key.reset();
-            decision.release();
-        }
-    });
-    if (!arguments.words.empty()) {
+    if (purpose.yields && isHeld) {
         stage.hold(arguments.word(), std::move(key));
     }
 }
 
 void attach(Stage& stage, const Arguments& arguments) {
-    yield(stage, arguments, {"LTE attach", forAttach}, [&stage](const auto& asked) {
-        return stage.policies.findOrCreateProfileForLteAttach(asked);
-    });
-}
-
-void dataCall(Stage& stage, const Arguments& arguments) {
-    yield(stage, arguments, {"data call", forCall}, [&](const auto& asked) {
-        return stage.policies.findOrCreateProfileForSetupDataCall(arguments.tech(), asked);
-    });
-}
-
-void emergency(Stage& stage, const Arguments& arguments) {
-    yield(stage, arguments, {"emergency call", forEmergency}, [&stage](const auto& asked) {
-        return stage.policies.findOrCreateProfileForEmergencyDataCall(asked);
+    decide(stage, arguments, {"LTE attach", Purpose::Of::Attach, 0, true}, [&](const auto& asked) {
+        return stage.policies.findOrCreateProfileForLteAttach(asked.front());
     });
 }
 
 void matchAttach(Stage& stage, const Arguments& arguments) {
     const int index = stage.profileOf(arguments.word(), vela::TechType::TECH_3GPP).index;
-    decide(stage, arguments, {"LTE attach with a given profile", forAttach},
-           [&](const Requests& asked, Decision& decision) {
+    decide(stage, arguments, {"LTE attach with a given profile", Purpose::Of::Attach},
+           [&](const auto& asked) {
                const bool matches = stage.policies.matchLteAttachProfileId(index, asked.front());
-               decision.end();
                stage.story().line(matches ? "yes" : "no");
                stage.document()["matches"] = matches;
+               return nullptr;
+           });
+}
+
+void dataCall(Stage& stage, const Arguments& arguments) {
+    const vela::ProfileParams given = paramsOf(arguments.fields());
+    const unsigned int types =
+        given.hasApnTypesMask() ? given.getApnTypesMask() : toMask(vela::ApnTypes::DEFAULT);
+    decide(stage, arguments, {"data call", Purpose::Of::Types, types, true},
+           [&](const auto& asked) {
+               return stage.policies.findOrCreateProfileForSetupDataCall(arguments.tech(),
+                                                                         asked.front());
+           });
+}
+
+void emergency(Stage& stage, const Arguments& arguments) {
+    decide(stage, arguments,
+           {"emergency call", Purpose::Of::Types, toMask(vela::ApnTypes::EMERGENCY), true},
+           [&](const auto& asked) {
+               return stage.policies.findOrCreateProfileForEmergencyDataCall(asked.front());
            });
 }
 
 void apnClass(Stage& stage, const Arguments& arguments) {
-    decide(stage, arguments, {"APN classes", all}, [&](const Requests& asked, Decision& decision) {
+    decide(stage, arguments, {"APN classes"}, [&](const Requests& asked) {
         const bool is3gpp = arguments.tech() == vela::TechType::TECH_3GPP;
         stage.policies.updateModemProfileByApnClass(is3gpp ? asked : Requests(),
                                                     is3gpp ? Requests() : asked);
-        decision.end();
+        return nullptr;
     });
 }
 
 void typeMask(Stage& stage, const Arguments& arguments) {
-    decide(stage, arguments, {"APN types", all}, [&](const Requests& asked, Decision& decision) {
+    decide(stage, arguments, {"APN types"}, [&](const Requests& asked) {
         stage.policies.updateAPNTypeBitmaskOnModemProfile(asked);
-        decision.end();
+        return nullptr;
     });
-}
-
-void allowUpdate(Stage& stage, const Arguments& arguments) {
-    stage.isUpdateAllowed = arguments.word() == "on";
 }
 
 void checkProvision(const Arguments& arguments) {
@@ -212,36 +195,27 @@ void checkProvision(const Arguments& arguments) {
     }
 }
 
-/** One operator into the stage's modem. Returns what went wrong. */
-std::string provisionOne(Stage& stage, const Arguments& arguments, const OperatorFile& file) {
-    const Operator candidate = operatorIn(file, arguments);
-    std::string failure = velactl::provisionOne(stage.details(), stage.workbench(), candidate, file,
-                                                arguments.has("--explain"));
-    stage.skipChanges();
-    return failure;
-}
-
-/** All of a file, each into a fresh modem. */
-std::string provisionAll(Stage& stage, const Arguments& arguments, const OperatorFile& file) {
-    const Setting& setting = stage.options();
-    Progress progress(setting.err, setting.errColumns, file.operatorCount());
-    return velactl::provisionAll(
-        stage.details(), file,
-        {setting.modem, setting.log, arguments.has("--twice"), arguments.has("--explain")},
-        progress);
-}
-
 void provision(Stage& stage, const Arguments& arguments) {
     const Setting& setting = stage.options();
-    if (arguments.has("--all") && (!setting.isVerb || !setting.modem.file.empty())) {
+    const bool isAll = arguments.has("--all");
+    const bool isExplained = arguments.has("--explain");
+    if (isAll && (!setting.isVerb || !setting.modem.file.empty())) {
         throw badUsage(std::string("provision --all uses fresh modems; ") +
                        (setting.isVerb ? "leave --modem out" : "it is for the command line"));
     }
     Progress reading(setting.err, setting.errColumns, 100);
     const OperatorFile file = OperatorFile::load(arguments.text("--apns"), &reading);
     reading.clear();
-    const std::string failure = arguments.has("--all") ? provisionAll(stage, arguments, file)
-                                                       : provisionOne(stage, arguments, file);
+    std::string failure;
+    if (isAll) {
+        Progress progress(setting.err, setting.errColumns, file.operatorCount());
+        failure = provisionAll(stage.details(), file,
+                               {setting.modem, arguments.has("--twice"), isExplained}, progress);
+    } else {
+        failure = provisionOne(stage.details(), stage.workbench(), operatorIn(file, arguments),
+                               file, isExplained);
+        stage.skipChanges();
+    }
     stage.conclude({}, failure.empty(), failure);
 }
 
@@ -250,22 +224,25 @@ void provision(Stage& stage, const Arguments& arguments) {
 Operations policyOperations() {
     constexpr unsigned kRequest = kFields | kOperator | kUpdate;
     return {
-        {"provision", "", kOperator | kProvision, kEverywhere,
-         "bring the modem in line with an operator's entries", provision, checkProvision},
-        {"attach", "[KEY]", kRequest, kEverywhere, "find or create the profile for the LTE attach",
-         attach, checkSource},
-        {"match-attach", "KEY|ID", kRequest, kEverywhere,
-         "whether the profile can serve the LTE attach", matchAttach, checkSource},
-        {"data-call", "[KEY]", kRequest | kTech, kEverywhere,
-         "find or create the profile for a data call", dataCall, checkSource},
-        {"emergency", "[KEY]", kRequest, kEverywhere,
-         "find or create the profile for an emergency call", emergency, checkSource},
-        {"apn-class", "", kRequest | kTech, kEverywhere,
-         "bring the profiles of APN classes in line", apnClass, checkSource},
-        {"type-mask", "", kRequest, kEverywhere,
-         "distribute APN types over the profiles of each APN name", typeMask, checkSource},
-        {"allow-update", "on|off", kNoOptions, kStatement,
-         "whether policies may change profiles that the library did not make", allowUpdate},
+        {"provision", "bring the modem in line with an operator's entries", provision,
+         kOperator | kProvision, kEverywhere, checkProvision},
+        {"attach [KEY]", "find or create the profile for the LTE attach", attach, kRequest,
+         kEverywhere, checkSource},
+        {"match-attach KEY|ID", "whether the profile can serve the LTE attach", matchAttach,
+         kRequest, kEverywhere, checkSource},
+        {"data-call [KEY]", "find or create the profile for a data call", dataCall,
+         kRequest | kTech, kEverywhere, checkSource},
+        {"emergency [KEY]", "find or create the profile for an emergency call", emergency, kRequest,
+         kEverywhere, checkSource},
+        {"apn-class", "bring the profiles of APN classes in line", apnClass, kRequest | kTech,
+         kEverywhere, checkSource},
+        {"type-mask", "distribute APN types over the profiles of each APN name", typeMask, kRequest,
+         kEverywhere, checkSource},
+        {"allow-update on|off",
+         "whether policies may change profiles that the library did not make",
+         [](Stage& stage, const Arguments& arguments) {
+             stage.isUpdateAllowed = arguments.word() == "on";
+         }},
     };
 }
 

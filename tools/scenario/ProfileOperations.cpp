@@ -11,8 +11,6 @@ namespace velactl {
 
 namespace {
 
-using Key = std::shared_ptr<vela::IProfileKey>;
-
 /** Tells of a key, which may be empty, and holds it. The release of the key that had the name is no
  * part of the operation. */
 void yield(Stage& stage, const Arguments& arguments, Key key, const char* nothing) {
@@ -142,23 +140,23 @@ void init(Stage& stage, const Arguments& arguments) {
 
 Operations profileOperations() {
     return {
-        {"add", "[KEY]", kFields | kTech | kLifetime, kEverywhere,
-         "create a profile and hold its key", add, checkAdd},
-        {"find", "[KEY]", kSearch | kTech, kStatement,
-         "hold the key of the first profile that the library finds", find},
-        {"modify", "KEY|ID", kSomeField | kTech, kEverywhere,
-         "change the given fields of a profile", onProfile<modify>},
-        {"delete", "KEY|ID", kTech, kEverywhere, "delete a profile from the modem",
-         onProfile<remove>},
-        {"get", "KEY|ID", kTech, kStatement, "read a profile through the library", onProfile<get>},
-        {"match", "[KEY|ID]", kSearch | kTech, kEverywhere | kLooking,
-         "whether the profile has these fields; without a word the profiles that have them", match},
-        {"drop", "KEY", kNoOptions, kStatement, "let the key go", drop},
-        {"listen", "KEY", kNoOptions, kStatement,
-         "register an expiration listener; its calls are told as `expired: KEY`", listen},
-        {"init", "", kInstance, kStatement,
-         "initialise the library again; keys from before name nothing any more", init},
-        {"refresh", "started|completed", kNoOptions, kStatement,
+        {"add [KEY]", "create a profile and hold its key", add, kFields | kTech | kLifetime,
+         kEverywhere, checkAdd},
+        {"find [KEY]", "hold the key of the first profile that the library finds", find,
+         kSearch | kTech},
+        {"modify KEY|ID", "change the given fields of a profile", onProfile<modify>,
+         kSomeField | kTech, kEverywhere},
+        {"delete KEY|ID", "delete a profile from the modem", onProfile<remove>, kTech, kEverywhere},
+        {"get KEY|ID", "read a profile through the library", onProfile<get>, kTech},
+        {"match [KEY|ID]",
+         "whether the profile has these fields; without a word the profiles that have them", match,
+         kSearch | kTech, kEverywhere | kLooking},
+        {"drop KEY", "let the key go", drop},
+        {"listen KEY", "register an expiration listener; its calls are told as `expired: KEY`",
+         listen},
+        {"init", "initialise the library again; keys from before name nothing any more", init,
+         kInstance},
+        {"refresh started|completed",
          "tell the library that the modem's profiles are being replaced; in between it answers "
          "nothing",
          refresh},

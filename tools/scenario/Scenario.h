@@ -18,9 +18,6 @@ class Scenario {
     /** `name` stands in messages. Throws ToolError that names it and the line. */
     Scenario(std::string_view text, std::string name);
 
-    /** Reads a file. Throws ToolError. */
-    static Scenario load(const std::string& path);
-
     /** Plays it, and adds the document of each statement to `played`. Throws ToolError that names
      * the line. */
     void play(Stage& stage, Json& played) const;

@@ -1,7 +1,5 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
-#include "scenario/Shell.h"
-
 #include <fcntl.h>
 #include <histedit.h>
 #include <sys/stat.h>
@@ -12,12 +10,11 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
-#include <memory>
 #include <optional>
 
-#include "profiles/Text.h"
-#include "scenario/Completion.h"
+#include "profiles/ToolError.h"
 #include "scenario/Help.h"
+#include "scenario/Stage.h"
 
 namespace velactl {
 
@@ -36,14 +33,6 @@ std::string historyFile() {
         return {};
     }
     return place / "history";
-}
-
-std::string commonStart(const Names& sorted) {
-    // The first and the last differ most.
-    const std::string& first = sorted.front();
-    const std::string& last = sorted.back();
-    return {first.begin(),
-            std::mismatch(first.begin(), first.end(), last.begin(), last.end()).first};
 }
 
 /** Lines from a terminal, with completion and a history that is kept between runs. */
@@ -79,11 +68,12 @@ class LineEditor {
         ::history_end(past);
     }
 
-    std::optional<std::string> read() {
+    /** False at the end of the input. */
+    bool read(std::string& text) {
         int length = 0;
-        const char* text = ::el_gets(line, &length);
-        return text == nullptr || length <= 0 ? std::nullopt
-                                              : std::optional(std::string(trim(text)));
+        const char* typed = ::el_gets(line, &length);
+        text = typed == nullptr ? "" : trim(typed);
+        return typed != nullptr && length > 0;
     }
 
     void remember(const std::string& text) { ::history(past, &event, H_ENTER, text.c_str()); }
@@ -119,7 +109,10 @@ class LineEditor {
         if (fitting.empty()) {
             return CC_ERROR;
         }
-        const std::string common = commonStart(fitting);
+        // Of sorted ones the first and the last differ most.
+        const auto parting = std::mismatch(fitting.front().begin(), fitting.front().end(),
+                                           fitting.back().begin(), fitting.back().end());
+        const std::string common(fitting.front().begin(), parting.first);
         const bool isWhole = fitting.size() == 1 && common.back() != '=' && common.back() != '/';
         const std::string rest =
             common.substr(typed.size() - (typed.find_last_of(' ') + 1)) + (isWhole ? " " : "");
@@ -132,14 +125,10 @@ class LineEditor {
     }
 
     Names present(const std::string& placeholder) {
-        if (placeholder == "KEY") {
-            return stage.keyNames();
-        }
-        Names numbers;
-        for (const ProfileRecord& record : stage.workbench().modemProfiles()) {
-            numbers.push_back(std::to_string(record.index));
-        }
-        return numbers;
+        return placeholder == "KEY" ? stage.keyNames()
+                                    : namesIn(stage.workbench().modemProfiles(), [](auto& each) {
+                                          return std::to_string(each.index);
+                                      });
     }
 
     Stage& stage;
@@ -148,20 +137,16 @@ class LineEditor {
     HistEvent event{};
 };
 
-void help(Output& output, const ScenarioWords& words) {
-    const Operations named = operationsNamed(operationsAt(kStatement), textsOf(words));
-    if (named.empty()) {
-        operationOf(operationsAt(kStatement), textsOf(words), "statement");
-    }
-    output.text() << helpOf(named, kStatement);
-    if (words.empty()) {
-        output.line("\nhelp STATEMENT explains one, with all its options; quit ends.\n" +
-                    std::string(kLegend));
-    }
-}
-
 /** The modem is kept whatever becomes of the statement. */
-void playAndSave(const Statement& statement, Stage& stage) {
+void play(const std::string& line, Stage& stage, LineEditor* editor) {
+    const ScenarioWords words = splitStatement(line);
+    if (words.empty()) {
+        return;
+    }
+    const Statement statement(words, kShell);
+    if (editor != nullptr && !mayBeSecret(line)) {
+        editor->remember(line);
+    }
     try {
         statement.play(stage);
     } catch (const ToolError&) {
@@ -171,56 +156,34 @@ void playAndSave(const Statement& statement, Stage& stage) {
     stage.save();
 }
 
-/** False when the line asks to end. */
-bool play(const std::string& line, Stage& stage, LineEditor* editor) {
-    const ScenarioWords words = splitStatement(line);
-    const bool isQuit = !words.empty() && words.front().text == "quit";
-    if (isQuit && words.size() > 1) {
-        throw badUsage("write it as: quit");
-    }
-    std::optional<Statement> statement;
-    if (!words.empty() && words.front().text == "help") {
-        help(stage.story(), {words.begin() + 1, words.end()});
-    } else if (!words.empty() && !isQuit) {
-        statement.emplace(words);
-    }
-    if (editor != nullptr && !words.empty() && !mayBeSecret(line)) {
-        editor->remember(line);
-    }
-    if (statement) {
-        playAndSave(*statement, stage);
-    }
-    return !isQuit;
-}
-
 }  // namespace
 
-Exit runShell(Stage& stage) {
+void runShell(Stage& stage, const Arguments& /*arguments*/) {
+    if (!stage.story().isText()) {
+        throw badUsage("a shell has no JSON document; velactl --json run FILE plays a scenario");
+    }
     std::optional<LineEditor> editor;
     if (::isatty(STDIN_FILENO) != 0) {
         editor.emplace(stage);
         stage.story().line("A modem with the library connected. help tells the statements.");
     }
     Exit exit = Exit::Done;
-    std::size_t number = 0;
-    for (bool goesOn = true; goesOn;) {
-        std::string text;
-        const auto line = editor                         ? editor->read()
-                          : std::getline(std::cin, text) ? std::optional(text)
-                                                         : std::nullopt;
-        ++number;
+    std::string line;
+    const auto read = [&] { return editor ? editor->read(line) : !!std::getline(std::cin, line); };
+    for (std::size_t number = 1; !stage.isOver && read(); ++number) {
         try {
-            goesOn = line && play(*line, stage, editor ? &*editor : nullptr);
+            play(line, stage, editor ? &*editor : nullptr);
         } catch (const ToolError& error) {
             exit = error.status();
             stage.story().note((editor ? "" : "line " + std::to_string(number) + ": ") +
                                error.what());
         }
-        if (!line && editor) {
-            stage.story().line();  // for the shell that follows on the terminal
-        }
     }
-    return editor ? Exit::Done : exit;
+    if (editor && !stage.isOver) {
+        stage.story().line();  // for the shell that follows on the terminal
+    } else if (!editor && exit != Exit::Done) {
+        throw ToolError(exit, "");  // its errors have been told
+    }
 }
 
 }  // namespace velactl

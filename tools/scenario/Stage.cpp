@@ -4,16 +4,14 @@
 
 #include <utility>
 
-#include "profiles/ProfileField.h"
 #include "profiles/Text.h"
-#include "profiles/ToolError.h"
-#include "profiles/Words.h"
+#include "scenario/Option.h"
 
 namespace velactl {
 
 Workbench& Stage::workbench() {
     if (!bench) {
-        bench.emplace(setting.modem, setting.log);
+        bench.emplace(setting.modem);
         last = bench->modemProfiles();
         bench->takeTraffic();
     }
@@ -33,7 +31,7 @@ Json Stage::takeDocument(Exit status, const std::string& error) {
     return whole;
 }
 
-void Stage::hold(const std::string& name, std::shared_ptr<vela::IProfileKey> key) {
+void Stage::hold(const std::string& name, Key key) {
     if (key) {
         document()["technology"] = word(key->getTechType());
         document()["index"] = key->getProfileId();
@@ -53,35 +51,27 @@ void Stage::hold(const std::string& name, std::shared_ptr<vela::IProfileKey> key
 }
 
 HeldKey& Stage::held(const std::string& name) {
-    const auto found = keys.find(name);
-    if (found == keys.end()) {
-        const auto names = keyNames();
-        throw velactl::refused("no key is held as " + inQuotes(name) + "; " +
-                               (names.empty() ? "none is held" : "held are " + join(names, ", ")));
+    if (keys.count(name) == 0) {
+        throw velactl::refused(
+            "no key is held as " + inQuotes(name) + "; " +
+            (keys.empty() ? "none is held" : "held are " + join(keyNames(), ", ")));
     }
-    return found->second;
+    return keys[name];
 }
 
-std::vector<std::string> Stage::keyNames() const {
-    std::vector<std::string> names;
-    for (const auto& [name, key] : keys) {
-        names.push_back(name);
-    }
-    return names;
+Names Stage::keyNames() const {
+    return namesIn(keys, [](const auto& each) { return each.first; });
 }
 
 KeyName Stage::profileOf(const std::string& word, vela::TechType tech) {
-    const auto found = keys.find(word);
-    if (found != keys.end()) {
-        return {found->second.key->getTechType(), found->second.key->getProfileId()};
+    if (keys.count(word) == 0 && wrongNumber(word, 0, kMaxIndex).empty()) {
+        return {tech, std::stoi(word)};
     }
-    if (!wrongNumber(word, 0, kMaxIndex).empty()) {
-        held(word);  // says that it is none
-    }
-    return {tech, std::stoi(word)};
+    const Key& key = held(word).key;
+    return {key->getTechType(), key->getProfileId()};
 }
 
-std::shared_ptr<vela::IProfileKey> Stage::keyOf(const std::string& word, vela::TechType tech) {
+Key Stage::keyOf(const std::string& word, vela::TechType tech) {
     const KeyName name = profileOf(word, tech);
     if (keys.count(word) != 0) {
         return held(word).key;
@@ -107,7 +97,7 @@ void Stage::conclude(const Traffic& traffic, bool succeeded, const std::string& 
     }
 }
 
-void Stage::tell(const std::vector<std::string>& lines) {
+void Stage::tell(const Names& lines) {
     for (const std::string& line : lines) {
         details().line(line);
     }
@@ -161,9 +151,7 @@ bool Stage::tellAgreement() {
     details().line(differences.empty()
                        ? "Library and modem agree on " + counted(modem->size(), "profile") + '.'
                        : "LIBRARY AND MODEM DISAGREE:");
-    for (const std::string& line : differences) {
-        details().line("  " + line);
-    }
+    tell(namesIn(differences, [](const auto& line) { return "  " + line; }));
     tell(bench->uncompared());
     document()["disagreements"] = differences;
     return differences.empty();
@@ -175,17 +163,10 @@ void Stage::save() {
     }
     bench->settle();
     try {
-        const std::string told = bench->save();
-        if (!told.empty()) {
-            details().note(told);
-        }
+        bench->modem().save();
     } catch (const ToolError& error) {
         throw velactl::refused(error.what() + std::string("; what has changed is lost"));
     }
-}
-
-bool Stage::isForgotten() {
-    return hasChanged && !bench->modem().keepsMemory();
 }
 
 }  // namespace velactl

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <vela/IProfileKey.h>
 #include <vela/Util.h>
 
 #include <atomic>
@@ -11,7 +10,6 @@
 #include <optional>
 #include <ostream>
 #include <string>
-#include <vector>
 
 #include "modem/Workbench.h"
 #include "profiles/Output.h"
@@ -20,10 +18,11 @@
 namespace velactl {
 
 class SimulatedModem;
+using Key = std::shared_ptr<vela::IProfileKey>;
 
 /** A key that a scenario holds under a name. */
 struct HeldKey {
-    std::shared_ptr<vela::IProfileKey> key;
+    Key key;
     /** Calls of its listener, which are made on the library's worker thread. */
     std::shared_ptr<std::atomic<int>> expirations = std::make_shared<std::atomic<int>>(0);
     int toldExpirations = 0;
@@ -36,7 +35,6 @@ struct Setting {
     /** What is asked to be shown, and what operations bring about. */
     Output& story;
     Output& details;
-    LogSink log;
     /** The progress of long work; columns 0: nobody watches. */
     std::ostream& err;
     std::size_t errColumns = 0;
@@ -57,6 +55,8 @@ class Stage {
     bool isUpdateAllowed = false;
     /** From the start of a refresh to its completion the library answers nothing. */
     bool isRefreshing = false;
+    /** Whoever types statements asks for no more. */
+    bool isOver = false;
 
     explicit Stage(Setting setting) : setting(std::move(setting)) {}
     Stage(const Stage&) = delete;
@@ -83,17 +83,17 @@ class Stage {
 
     /** Holds a key under a name, in place of the one that had it; an empty one leaves the name
      * without. Without a name it is let go at once, and what that did is told. */
-    void hold(const std::string& name, std::shared_ptr<vela::IProfileKey> key);
+    void hold(const std::string& name, Key key);
 
     /** Throws ToolError that lists the names there are. */
     HeldKey& held(const std::string& name);
-    std::vector<std::string> keyNames() const;
+    Names keyNames() const;
 
     /** The profile that a word means: the one of the key that is held under it, else that of the
      * number. Throws ToolError. */
     KeyName profileOf(const std::string& word, vela::TechType tech);
     /** The same with a key to it; empty, and noted as a refusal, when the library has none. */
-    std::shared_ptr<vela::IProfileKey> keyOf(const std::string& word, vela::TechType tech);
+    Key keyOf(const std::string& word, vela::TechType tech);
 
     /** Notes how an operation with this traffic ended, tells it and what failed. */
     void conclude(const Traffic& traffic, bool succeeded, const std::string& words);
@@ -119,10 +119,10 @@ class Stage {
     void save();
 
     /** Whether the modem has changed, and is forgotten with the stage. */
-    bool isForgotten();
+    bool isForgotten() { return hasChanged && !bench->modem().keepsMemory(); }
 
   private:
-    void tell(const std::vector<std::string>& lines);
+    void tell(const Names& lines);
     void tellChanges(const char* key, const char* heading = nullptr);
 
     const Setting setting;

@@ -7,10 +7,8 @@
 #include <utility>
 
 #include "profiles/Output.h"
-#include "profiles/Text.h"
 #include "scenario/Operation.h"
 #include "scenario/Stage.h"
-#include "velactl/Playing.h"
 
 namespace velactl {
 
@@ -22,35 +20,27 @@ bool isAmong(const Names& words, const std::string& option) {
     return std::find(words.begin(), words.end(), option) != words.end();
 }
 
-/** Puts the verb first, which may stand behind options. */
-void leadWithVerb(ScenarioWords& words) {
+/** The words of a verb's statement, which begin with the verb wherever it stands; of a line that
+ * asks for help those of the verb help. */
+ScenarioWords statementOf(const Names& given) {
+    ScenarioWords words;
+    for (const std::string& text : given) {
+        words.push_back({text});
+    }
     const auto options = optionsOf(kEveryVerb);
     auto verb = words.begin();
     while (verb < words.end() && verb->isOption()) {
         const Option* option = findOption(options, verb->text);
         verb += option != nullptr && !option->value.empty() ? 2 : 1;
     }
-    if (verb >= words.end()) {
+    const bool isGiven = verb < words.end();
+    if (isAmong(given, "--help") || isAmong(given, "-h")) {
+        return isGiven ? ScenarioWords{{"help"}, *verb} : ScenarioWords{{"help"}};
+    }
+    if (!isGiven) {
         throw badUsage("no verb; velactl help lists them");
     }
     std::rotate(words.begin(), verb, verb + 1);
-}
-
-/** The words of a verb's statement; of a line that asks for help those of the verb help. */
-ScenarioWords statementOf(const Names& given) {
-    ScenarioWords words;
-    for (const std::string& text : given) {
-        words.push_back({text});
-    }
-    const bool isHelp = isAmong(given, "--help") || isAmong(given, "-h");
-    if (!isHelp || std::any_of(words.begin(), words.end(), std::not_fn(&ScenarioWord::isOption))) {
-        leadWithVerb(words);
-    }
-    if (isHelp) {
-        const bool isVerbGiven = !words.front().isOption();
-        words.erase(words.begin() + (isVerbGiven ? 1 : 0), words.end());
-        words.insert(words.begin(), {"help"});
-    }
     return words;
 }
 
@@ -69,21 +59,20 @@ ModemOptions modemOf(const Statement& statement, Output& output) {
     return modem;
 }
 
-/** The library's log lines go to the error stream. */
-LogSink logSink(std::ostream& err, bool showSecrets) {
-    return [&err, showSecrets](auto text) {
-        // One write per line: the lines come on several threads.
-        err << "log: " + printable(showSecrets ? std::string(text) : withoutPassword(text)) + '\n';
-    };
-}
-
 /** Plays a verb, which is a statement run once. Throws ToolError when it was refused. */
 void play(const Statement& statement, Output& output, const OutputOptions& form,
           const Streams& streams) {
+    ModemOptions modem = modemOf(statement, output);
     const bool isLogged = statement.given().has("--log");
+    if (isLogged) {
+        modem.log = [&](std::string_view text) {
+            const std::string line = form.showSecrets ? std::string(text) : withoutPassword(text);
+            // One write per line: the lines come on several threads.
+            streams.err << "log: " + printable(line) + '\n';
+        };
+    }
     // Log lines tell the progress themselves, and would be mixed up with it.
-    Stage stage({modemOf(statement, output), form, output, output,
-                 isLogged ? logSink(streams.err, form.showSecrets) : LogSink(), streams.err,
+    Stage stage({std::move(modem), form, output, output, streams.err,
                  isLogged ? 0 : streams.errColumns, true});
     statement.play(stage);
     const bool isPolicy = (statement.operation().options & (kUpdate | kProvision)) != 0;
@@ -126,11 +115,12 @@ int runVelactl(const Names& arguments, const Streams& streams) {
     form.width = streams.outColumns;
     try {
         if (isAmong(arguments, "--version")) {
-            answer(output, std::string("velactl ") + VELACTL_VERSION + '\n');
+            output.line(std::string("velactl ") + VELACTL_VERSION);
+            output.document()["text"] = std::string("velactl ") + VELACTL_VERSION + '\n';
         } else {
             const ScenarioWords words = statementOf(arguments);
             verb = words.front().text;
-            const Statement statement(operationOf(verbs(), textsOf(words), "verb"), kVerb, words);
+            const Statement statement(words, kVerb);
             if (statement.given().has("--columns")) {
                 form.columns = readColumns("--columns", statement.given().text("--columns"));
             }
