@@ -11,6 +11,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "profiles/Text.h"
 #include "vela/ProfileParams.h"
 
 namespace coherence {
@@ -25,7 +26,8 @@ class Mismatch : public std::runtime_error {
 inline void expectEqual(const std::string& what, const std::string& promised,
                         const std::string& found) {
     if (promised != found) {
-        throw Mismatch(what + "\n  promised: " + promised + "\n  found:    " + found);
+        throw Mismatch(what + "\n  promised: " + velactl::printable(promised) +
+                       "\n  found:    " + velactl::printable(found));
     }
 }
 
@@ -46,8 +48,13 @@ inline std::string text(std::int64_t value) {
     return std::to_string(value);
 }
 
-inline std::string text(const std::optional<vela::ProfileParams>& params) {
-    return params ? params->dump() : "nothing";
+inline std::string text(const vela::ProfileParams& params) {
+    return params.dump();
+}
+
+template <typename Value>
+std::string text(const std::optional<Value>& value) {
+    return value ? text(*value) : "nothing";
 }
 
 inline std::string text(const std::vector<std::uint64_t>& tokens) {

@@ -2,12 +2,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <deque>
+#include <iterator>
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "Expect.h"
 #include "Image.h"
 
 namespace coherence {
@@ -21,13 +26,10 @@ class KeyRing {
     struct Key {
         std::uint64_t token = 0;
         ProfileId id;
-        std::uint64_t serial = 0;
-        std::uint64_t pipeline = 0;
     };
     struct Listener {
         int number = 0;
-        unsigned slot = 0;
-        std::uint64_t serial = 0;  // of the key that must live
+        std::weak_ptr<const Key> key;  // that must live
         unsigned victim = 0;
     };
     using Listeners = std::vector<Listener>;
@@ -36,48 +38,69 @@ class KeyRing {
         int number = 0;
         std::vector<std::string> dump;
     };
+    /** A token to release: nobody holds the key any more. */
+    using Release = std::optional<std::uint64_t>;
 
     explicit KeyRing(unsigned slots) : keys(slots) {}
 
-    const std::optional<Key>& at(unsigned slot) const { return keys.at(slot); }
-    /** Keys from before reach nothing any more. */
-    void startPipeline() { ++pipeline; }
+    /** Null when the slot is empty. */
+    const std::shared_ptr<const Key>& at(unsigned slot) const { return keys.at(slot); }
 
-    void hold(unsigned slot, std::uint64_t token, ProfileId id);
+    void hold(unsigned slot, const Key& key) { keys.at(slot) = std::make_shared<Key>(key); }
     /** Into the first empty slot, if there is one. */
-    void hold(std::uint64_t token, ProfileId id);
+    void hold(const Key& key) {
+        const auto free = std::find(keys.begin(), keys.end(), nullptr);
+        if (free != keys.end()) {
+            *free = std::make_shared<Key>(key);
+        }
+    }
     /** Someone holds the slot's key for a while, whatever listeners drop meanwhile. */
-    void use(unsigned slot);
-    /** The token to release, if nobody holds that key any more. */
-    std::optional<std::uint64_t> endUse();
-    /** As if used for a moment. */
-    std::optional<std::uint64_t> drop(unsigned slot);
-
-    /** Empty when the library does not take it. */
-    std::optional<Listener> listener(unsigned slot, int number, unsigned victim) const;
-    bool isAlive(const Listener& listener) const;
+    void use(unsigned slot) { inUse = keys.at(slot); }
+    Release endUse() { return drop(inUse); }
+    Release drop(unsigned slot) { return drop(keys.at(slot)); }
 
     /** The listeners that ran, in order; they are to be predicted. */
-    void witness(std::vector<Call> ran);
-    /** Whether one of these ran first of those that have not been predicted. */
-    bool isNext(const Listeners& listeners) const;
+    void witness(std::vector<Call> ran) {
+        calls.assign(std::make_move_iterator(ran.begin()), std::make_move_iterator(ran.end()));
+    }
     /** Predicts that these run, in order, but for those whose key is gone by then, and what they
      * see. */
-    void run(const Listeners& listeners, const std::vector<std::string>& dump);
+    void run(const Listeners& listeners, const std::vector<std::string>& dump) {
+        for (const Listener& listener : listeners) {
+            if (listener.key.expired()) {
+                continue;
+            }
+            const auto name = "listener " + std::to_string(listener.number);
+            if (calls.empty() || calls.front().number != listener.number) {
+                throw Mismatch(name + " should have run");
+            }
+            expectEqual("cache as " + name + " saw it", dump, calls.front().dump);
+            calls.pop_front();
+            if (const auto token = drop(listener.victim)) {
+                deferred.push_back(*token);
+            }
+        }
+    }
     /** Fails when more ran than was predicted. */
-    void finish() const;
+    void finish() const {
+        if (!calls.empty()) {
+            throw Mismatch("listener " + std::to_string(calls.front().number) +
+                           " should not have run");
+        }
+    }
 
-    /** The next token that a listener's dropped key releases. */
-    std::optional<std::uint64_t> takeDeferred();
-    bool hasDeferred() const { return !deferred.empty(); }
+    /** What listeners' dropped keys release, in order. */
+    std::deque<std::uint64_t> deferred;
 
   private:
-    std::vector<std::optional<Key>> keys;
-    std::optional<Key> inUse;
-    std::deque<std::uint64_t> deferred;
+    static Release drop(std::shared_ptr<const Key>& holder) {
+        const auto key = std::exchange(holder, nullptr);
+        return key.use_count() == 1 ? Release(key->token) : std::nullopt;
+    }
+
+    std::vector<std::shared_ptr<const Key>> keys;
+    std::shared_ptr<const Key> inUse;
     std::deque<Call> calls;
-    std::uint64_t nextSerial = 0;
-    std::uint64_t pipeline = 0;
 };
 
 }  // namespace coherence

@@ -12,19 +12,7 @@
 
 namespace coherence {
 
-namespace {
-
 using velasim::Technology;
-
-// What the library does on purpose although it may surprise. The rest of the list is in
-// Exceptions.h; docs/coherence.md tells each story.
-constexpr bool kRefusedModifyReportsTrue = true;
-constexpr bool kModifyOfEmptyEntryReportsTrue = true;
-constexpr bool kIgnoredReleaseLowersCount = false;
-constexpr bool kRefreshForgetsPending = false;
-constexpr bool kBlockedReleaseIsMadeUpForLater = false;
-
-}  // namespace
 
 void Model::witness(const std::vector<velasim::JournalEntry>& entries,
                     std::vector<KeyRing::Call> ran) {
@@ -44,12 +32,12 @@ bool Model::add(unsigned slot, const vela::AddProfileParams& params) {
     const auto added = isBlocked ? std::nullopt : create(params);
     rest();  // the client gets the key when all is done
     if (added) {
-        keys.hold(slot, added->first, added->second);
+        keys.hold(slot, *added);
     }
     return added.has_value();
 }
 
-std::optional<Model::Named> Model::create(const vela::AddProfileParams& params) {
+std::optional<KeyRing::Key> Model::create(const vela::AddProfileParams& params) {
     const auto token = nextToken++;
     const auto technology = static_cast<Technology>(params.getTechType());
     if (technology != Technology::ThreeGpp && technology != Technology::ThreeGpp2) {
@@ -75,16 +63,14 @@ std::optional<Model::Named> Model::create(const vela::AddProfileParams& params) 
     exceptions.onLearnt(id);
     pending.push_back({id, Event::Create});
     pending.push_back({id, Event::Modify});
-    return Named{token, id};
+    return KeyRing::Key{token, id};
 }
 
+/** An empty entry, and a modem that refuses, report true on purpose. */
 bool Model::modify(unsigned slot, const vela::ModifyProfileParams& params) {
     auto* cached = look(slot);
-    if (cached == nullptr) {
-        return false;
-    }
-    if (!*cached) {
-        return kModifyOfEmptyEntryReportsTrue;
+    if (cached == nullptr || !*cached) {
+        return cached != nullptr;
     }
     auto& entry = **cached;
     const auto changes = entry.image.changesFor(params);
@@ -99,20 +85,20 @@ bool Model::modify(unsigned slot, const vela::ModifyProfileParams& params) {
         entry.image.apply(changes);
         pending.push_back({entry.id, Event::Modify});
     }
-    return reply.isSuccess || kRefusedModifyReportsTrue;
+    return true;
 }
 
 bool Model::remove(unsigned slot) {
-    const auto key = keys.at(slot);
-    if (look(slot) == nullptr || !removeFromModem(key->id)) {
+    if (look(slot) == nullptr || !removeFromModem(keys.at(slot)->id)) {
         return false;
     }
-    const auto entry = cache.extract(key->token).mapped();
+    const auto key = *keys.at(slot);
+    const auto entry = cache.extract(key.token).mapped();
     if (entry) {
-        expire({entry});
-        pending.push_back({key->id, Event::Delete});
+        expire(entry);
+        pending.push_back({key.id, Event::Delete});
     } else {
-        onUnknownChange(key->id, {Event::Delete});  // its indication is nobody's
+        onUnknownChange(key.id, {Event::Delete});  // its indication is nobody's
     }
     return true;
 }
@@ -138,13 +124,13 @@ std::vector<std::uint64_t> Model::filter(const vela::FilterProfileParams& params
     std::vector<std::uint64_t> tokens;
     for (const auto& [token, id] : found) {
         tokens.push_back(token);
-        keys.hold(token, id);
+        keys.hold({token, id});
     }
     return tokens;
 }
 
 void Model::release(std::optional<std::uint64_t> token) {
-    if (token && (!isBlocked || kBlockedReleaseIsMadeUpForLater)) {
+    if (token && !isBlocked) {  // what is refused is not made up for later
         releaseToken(*token);
     }
     rest();
@@ -156,34 +142,27 @@ void Model::releaseToken(std::uint64_t token) {
         return;
     }
     auto& entry = *found->second;
-    std::erase_if(entry.listeners, [&](const auto& listener) { return !keys.isAlive(listener); });
-    const bool isLast = entry.count < 2;
-    if (!isLast || kIgnoredReleaseLowersCount) {
-        --entry.count;
-    }
     const auto id = entry.id;
-    if (isLast && !entry.isPersistent && entry.isVelaCreated && removeFromModem(id)) {
+    if (entry.count > 1) {
+        --entry.count;
+    } else if (!entry.isPersistent && entry.isVelaCreated && removeFromModem(id)) {
         pending.push_back({id, Event::Delete});
-        expire({cache.extract(token).mapped()});
+        expire(cache.extract(token).mapped());
     }
 }
 
 void Model::listen(unsigned slot, int listener, unsigned victim) {
-    const auto taken = keys.listener(slot, listener, victim);
-    if (auto* cached = look(slot); taken && cached && *cached) {
-        (*cached)->listeners.push_back(*taken);
+    if (auto* cached = look(slot); cached && *cached) {
+        (*cached)->listeners.push_back({listener, keys.at(slot), victim});
     }
 }
 
-void Model::refresh(bool isStart) {
-    isBlocked = isStart;
-    if (!isStart) {
-        reload();
-    }
+void Model::endRefresh() {
+    isBlocked = false;
+    reload();
 }
 
 void Model::init(int instance) {
-    keys.startPipeline();
     modem.startOver(instance);
     exceptions.startOver();
     pending.clear();
@@ -212,31 +191,34 @@ void Model::onOwnRequest(ProfileId id, const Events& events, const ModelModem::R
 
 // ---- The modem's side
 
-int Model::foreignCreate(int instance, Technology technology, const velasim::Settings& settings) {
+std::optional<int> Model::foreignCreate(int instance, Technology technology,
+                                        const velasim::Settings& settings) {
     auto& table = modem.tableOf(instance);
     const ProfileId id{technology, freeIndex(table, technology, modem.capacity)};
-    if (id.index != 0) {
-        store(table, id, settings);
-        onForeignChange(instance, id, kCreation);
+    if (id.index == 0) {
+        return std::nullopt;
     }
+    store(table, id, settings);
+    onForeignChange(instance, id, kCreation);
     return id.index;
 }
 
-bool Model::foreignModify(int instance, ProfileId id, const velasim::Settings& settings) {
+bool Model::foreignModify(int instance, Technology technology, int index,
+                          const velasim::Settings& settings) {
     auto& table = modem.tableOf(instance);
-    if (table.count(id) == 0) {
+    if (table.count({technology, index}) == 0) {
         return false;
     }
-    store(table, id, settings);
-    onForeignChange(instance, id, {Event::Modify});
+    store(table, {technology, index}, settings);
+    onForeignChange(instance, {technology, index}, {Event::Modify});
     return true;
 }
 
-bool Model::foreignDelete(int instance, ProfileId id) {
-    if (modem.tableOf(instance).erase(id) == 0) {
+bool Model::foreignDelete(int instance, Technology technology, int index) {
+    if (modem.tableOf(instance).erase({technology, index}) == 0) {
         return false;
     }
-    onForeignChange(instance, id, {Event::Delete});
+    onForeignChange(instance, {technology, index}, {Event::Delete});
     return true;
 }
 
@@ -274,13 +256,15 @@ void Model::settle() {
 void Model::rest() {
     modem.lookAhead();
     do {
-        while (const auto token = keys.takeDeferred()) {
+        while (!keys.deferred.empty()) {
+            const auto token = keys.deferred.front();
+            keys.deferred.pop_front();
             if (!isBlocked) {
-                releaseToken(*token);
+                releaseToken(token);
             }
         }
         handleSignal();
-    } while (keys.hasDeferred() || !modem.signals.empty());
+    } while (!keys.deferred.empty() || !modem.signals.empty());
 }
 
 void Model::handleSignal() {
@@ -328,12 +312,12 @@ void Model::follow(const Arrival::Change& change) {
             return;
         case Event::Delete:
             for (const auto token : tokensOf(change.id)) {
-                expire({cache.extract(token).mapped()});
+                expire(cache.extract(token).mapped());
             }
             return;
         case Event::Modify:
             for (const auto token : tokensOf(change.id)) {
-                expire({std::exchange(cache.at(token), read(change.id))});
+                expire(std::exchange(cache.at(token), read(change.id)));
             }
             return;
         case Event::SubscriptionChange:
@@ -343,10 +327,7 @@ void Model::follow(const Arrival::Change& change) {
 }
 
 void Model::reload() {
-    dropAll();
-    if (kRefreshForgetsPending) {
-        pending.clear();
-    }
+    dropAll();  // what is expected stays so
     exceptions.onReload();
     if (!readAll(Technology::ThreeGpp)) {
         exceptions.addAll(Technology::ThreeGpp2, kListFailed);  // not asked for

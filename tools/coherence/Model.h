@@ -18,6 +18,13 @@
 
 namespace coherence {
 
+/** How often a cached profile was compared with the modem's table, and how often an exception was
+ * claimed instead. */
+struct Figures {
+    std::uint64_t compared;
+    std::uint64_t excused;
+};
+
 /**
  * What the library promises, in plain words: clients' keys in numbered slots, the profiles that it
  * remembers by token with their counts and listeners, the indications that it expects of its own
@@ -57,7 +64,8 @@ class Model {
     void release(std::optional<std::uint64_t> token);
     /** A listener that drops the key in `victim` when it runs. */
     void listen(unsigned slot, int listener, unsigned victim);
-    void refresh(bool isStart);
+    void startRefresh() { isBlocked = true; }
+    void endRefresh();
     /** The library starts, or starts again, on an instance of the modem. */
     void init(int instance);
     /** A profile that the modem had before. */
@@ -65,16 +73,17 @@ class Model {
         store(modem.tableOf(instance), id, settings);
     }
 
-    // ---- the modem's side
+    // ---- the modem's side, as the simulator has it
 
-    int foreignCreate(int instance, velasim::Technology technology,
-                      const velasim::Settings& settings);
-    bool foreignModify(int instance, ProfileId id, const velasim::Settings& settings);
-    bool foreignDelete(int instance, ProfileId id);
+    std::optional<int> foreignCreate(int instance, velasim::Technology technology,
+                                     const velasim::Settings& settings);
+    bool foreignModify(int instance, velasim::Technology technology, int index,
+                       const velasim::Settings& settings);
+    bool foreignDelete(int instance, velasim::Technology technology, int index);
     void serviceDown() { modem.serviceDown(); }
     void serviceUp() { modem.serviceUp(); }
     void restart() { modem.powerCycle(); }
-    void delayedReleased() { exceptions.onDelayedReleased(); }
+    void releaseDelayed() { exceptions.onDelayedReleased(); }
     /** Nothing is under way any more. */
     void settle();
 
@@ -82,17 +91,12 @@ class Model {
 
     bool isSubscribed() const { return modem.isSubscribed(); }
     bool isCutOff() const { return modem.isCutOff(); }
-    bool isLive(unsigned slot) const { return keys.at(slot).has_value(); }
+    bool isLive(unsigned slot) const { return keys.at(slot) != nullptr; }
     /** The library's dump but for its log, entries by token. */
     std::vector<std::string> dump() const;
     const Table& table(int instance) const { return modem.tableOf(instance); }
-    /** How many profiles were compared, and for how many an exception was claimed. */
-    struct Comparison {
-        std::uint64_t compared = 0;
-        std::uint64_t excused = 0;
-    };
     /** Compares with the modem's table wherever no exception is claimed. */
-    Comparison compareWithModem() const;
+    void compareWithModem(Figures& figures) const;
     /** No indication waits in the library. */
     bool hasHandledAll() const { return modem.arrivals.empty(); }
     /** No exception is claimed for anything that is. */
@@ -109,7 +113,6 @@ class Model {
     };
     using Cached = std::optional<Entry>;  // empty: what could not be read
     using Events = std::vector<Event>;
-    using Named = std::pair<std::uint64_t, ProfileId>;
 
     void rest();
     void handleSignal();
@@ -119,7 +122,7 @@ class Model {
     void onForeignChange(int instance, ProfileId id, const Events& events);
     void onUnknownChange(ProfileId id, const Events& events);
 
-    std::optional<Named> create(const vela::AddProfileParams& params);
+    std::optional<KeyRing::Key> create(const vela::AddProfileParams& params);
     bool removeFromModem(ProfileId id);
     void releaseToken(std::uint64_t token);
     void onOwnRequest(ProfileId id, const Events& events, const ModelModem::Reply& reply);
@@ -130,7 +133,7 @@ class Model {
     Cached read(ProfileId id);
     bool readAll(velasim::Technology technology);
     void dropAll();
-    void expire(std::vector<Cached> dying);
+    void expire(const Cached& dying);
     void compareWithModem(ProfileId id, const std::vector<const Entry*>& entries) const;
 
     Exceptions exceptions;

@@ -82,28 +82,16 @@ bool Model::readAll(Technology technology) {
 }
 
 void Model::dropAll() {
-    std::vector<Cached> dying;
-    for (auto& [token, cached] : std::exchange(cache, {})) {
-        dying.push_back(std::move(cached));
+    const auto dying = std::exchange(cache, {});
+    for (const auto& [token, cached] : dying) {
+        expire(cached);
     }
-    expire(std::move(dying));
 }
 
-/** Runs the listeners of entries that died. Entries die in no promised order; each entry's
- * listeners run in the order of their registration, but for those whose key is gone by then. */
-void Model::expire(std::vector<Cached> dying) {
-    while (!dying.empty()) {
-        auto next = std::find_if(dying.begin(), dying.end(), [&](const Cached& cached) {
-            return cached && keys.isNext(cached->listeners);
-        });
-        if (next == dying.end()) {
-            next = dying.begin();
-        }
-        const auto cached = *next;
-        dying.erase(next);
-        if (cached) {
-            keys.run(cached->listeners, dump());
-        }
+/** The listeners of what died run, in the order of their registration. */
+void Model::expire(const Cached& dying) {
+    if (dying) {
+        keys.run(dying->listeners, dump());
     }
 }
 
@@ -127,7 +115,7 @@ bool Model::isHealed() const {
     });
 }
 
-Model::Comparison Model::compareWithModem() const {
+void Model::compareWithModem(Figures& figures) const {
     std::map<ProfileId, std::vector<const Entry*>> entries;
     for (const auto& [id, settings] : modem.homeTable()) {
         entries[id];
@@ -137,16 +125,14 @@ Model::Comparison Model::compareWithModem() const {
             entries[cached->id].push_back(&*cached);
         }
     }
-    Comparison comparison;
     for (const auto& [id, ofId] : entries) {
         if (!modem.arrivals.empty() || exceptions.reasonFor(id) != nullptr) {
-            ++comparison.excused;
+            ++figures.excused;
         } else {
             compareWithModem(id, ofId);
-            ++comparison.compared;
+            ++figures.compared;
         }
     }
-    return comparison;
 }
 
 void Model::compareWithModem(ProfileId id, const std::vector<const Entry*>& entries) const {
@@ -158,8 +144,8 @@ void Model::compareWithModem(ProfileId id, const std::vector<const Entry*>& entr
     }
     const auto& image = entries.front()->image;
     if (!image.isStoredAs(Image::of(stored->second, id.is3gpp2()))) {
-        throw Mismatch(id.text() + " is cached as " + image.text(id) + " but stored as " +
-                       velasim::describe(stored->second, id.technology));
+        throw Mismatch(id.text() + " is cached as " + velactl::printable(image.text(id)) +
+                       " but stored as " + velasim::describe(stored->second, id.technology));
     }
 }
 

@@ -5,13 +5,10 @@
 #include <CLI/Formatter.hpp>
 #include <algorithm>
 #include <chrono>
-#include <iomanip>
 #include <iostream>
-#include <sstream>
 
-#include "Apart.h"
 #include "Driver.h"
-#include "Shrink.h"
+#include "profiles/Text.h"
 
 namespace {
 
@@ -20,6 +17,8 @@ using coherence::Outcome;
 
 /** A candidate for a shorter run that takes longer hangs. */
 constexpr std::chrono::seconds kPatience{20};
+/** How probable a fault is at each occasion that it has, unless something else is asked for. */
+constexpr double kOften = 0.1;
 
 /** Many random runs. */
 struct Campaign {
@@ -31,27 +30,23 @@ struct Campaign {
 };
 
 velasim::FaultRule standing(velasim::Fault fault, double probability) {
-    velasim::FaultRule rule;
-    rule.fault = fault;
-    rule.count = 0;
-    rule.probability = probability;
-    return rule;
+    return {fault, velasim::kAnyMessage, 1, 1, 0, probability};
 }
 
 /** A standing rule from NAME or NAME=PROBABILITY. */
 velasim::FaultRule ruleFrom(const std::string& text) {
     const auto equals = text.find('=');
     const auto fault = velasim::faultNamed(text.substr(0, equals));
-    double probability = 0.1;
+    double probability = kOften;
     const bool isNumber = equals == std::string::npos ||
                           CLI::detail::lexical_cast(text.substr(equals + 1), probability);
     if (!fault || !isNumber || !(probability > 0 && probability <= 1)) {
-        std::string names;
+        auto complaint =
+            text + " is not NAME or NAME=PROBABILITY, with a probability up to 1 and a name of:";
         for (const auto each : velasim::allFaults()) {
-            names += " " + toString(each);
+            complaint += " " + toString(each);
         }
-        throw CLI::ValidationError("--fault", text + " is not NAME or NAME=PROBABILITY, with a " +
-                                                  "probability up to 1 and a name of:" + names);
+        throw CLI::ValidationError("--fault", complaint);
     }
     return standing(*fault, probability);
 }
@@ -61,54 +56,37 @@ Outcome runApart(std::uint64_t seed, const std::vector<Operation>& operations,
                  std::chrono::seconds atMost) {
     const coherence::Shared<Outcome> outcome;
     const auto end =
-        coherence::runApart([&] { coherence::run(seed, operations, *outcome); }, atMost);
+        coherence::runApart([&] { coherence::Driver(seed, *outcome).run(operations); }, atMost);
     if (!end.empty()) {
         outcome->fail(end);
     }
     return *outcome;
 }
 
-std::string describe(const Outcome& outcome, const std::vector<Operation>& operations) {
-    std::ostringstream out;
-    out << outcome.failure.data() << "\n  at step " << outcome.step + 1 << " of "
-        << operations.size() << (outcome.step < operations.size() ? "" : " (the reload at the end)")
-        << "\n";
-    return out.str();
-}
-
-/** Profiles have texts of any bytes; whoever reads of them needs lines. */
-std::string legible(const std::string& text) {
-    std::ostringstream shown;
-    shown << std::hex << std::uppercase << std::setfill('0');
-    for (const char byte : text) {
-        if (byte == '\n' || (byte >= ' ' && byte <= '~')) {
-            shown << byte;
-        } else {
-            shown << "\\x" << std::setw(2) << +static_cast<unsigned char>(byte);
-        }
-    }
-    return shown.str();
+void print(const Outcome& outcome, std::size_t steps) {
+    std::cout << outcome.failure.data() << "\n  at step " << outcome.step + 1 << " of " << steps
+              << (outcome.step < steps ? "\n" : " (the reload at the end)\n");
 }
 
 /** What failed, how to replay it, and the shortest run found that shows it. */
-std::string describeFailure(const Campaign& campaign, std::uint64_t seed,
-                            std::vector<Operation> operations, const Outcome& outcome) {
-    std::ostringstream out;
-    out << "seed " << seed << ": " << describe(outcome, operations)
-        << "replay: ./dev coherence --replay " << seed << " --steps " << campaign.steps;
+void printFailure(const Campaign& campaign, std::uint64_t seed, std::vector<Operation> operations,
+                  const Outcome& outcome) {
+    std::cout << "seed " << seed << ": ";
+    print(outcome, operations.size());
+    std::cout << "replay: ./dev coherence --replay " << seed << " --steps " << campaign.steps;
     for (const auto& rule : campaign.mix) {
-        out << " --fault " << toString(rule.fault) << "=" << rule.probability;
+        std::cout << " --fault " << toString(rule.fault) << "=" << rule.probability;
     }
     operations.resize(std::min(operations.size(), outcome.step + 1));
     const auto shortest = coherence::shrink(operations, [&](const auto& candidate) {
         return runApart(seed, candidate, kPatience).isFailure();
     });
-    out << "\nshrunk to " << shortest.size() << " steps:\n";
+    std::cout << "\nshrunk to " << shortest.size() << " steps:\n";
     for (std::size_t i = 0; i < shortest.size(); ++i) {
-        out << "  " << i + 1 << ". " << shortest[i].line() << "\n";
+        std::cout << "  " << i + 1 << ". " << velactl::printable(shortest[i].text) << "\n";
     }
-    out << "which fail with: " << describe(runApart(seed, shortest, kPatience), shortest);
-    return legible(out.str());
+    std::cout << "which fail with: ";
+    print(runApart(seed, shortest, kPatience), shortest.size());
 }
 
 /** Prints the figures, or the first failure. True: all seeds passed. */
@@ -121,17 +99,17 @@ bool run(const Campaign& campaign) {
         const auto operations = coherence::randomOperations(seed, campaign.steps, campaign.mix);
         const auto outcome = runApart(seed, operations, patience);
         if (outcome.isFailure()) {
-            std::cout << describeFailure(campaign, seed, operations, outcome);
+            printFailure(campaign, seed, operations, outcome);
             return false;
         }
-        sum.compared += outcome.compared;
-        sum.excused += outcome.excused;
+        sum.figures.compared += outcome.figures.compared;
+        sum.figures.excused += outcome.figures.excused;
         sum.faults += outcome.faults;
     }
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
     std::cout << campaign.seeds << " seeds of " << campaign.steps << " steps passed in "
-              << took.count() << " s: " << sum.faults << " faults struck; " << sum.compared
-              << " times a cached profile was the modem's, " << sum.excused
+              << took.count() << " s: " << sum.faults << " faults struck; " << sum.figures.compared
+              << " times a cached profile was the modem's, " << sum.figures.excused
               << " times it was excused" << std::endl;
     return true;
 }
@@ -140,7 +118,6 @@ bool run(const Campaign& campaign) {
 bool runEachFault(Campaign campaign) {
     const auto faults = velasim::allFaults();
     return std::all_of(faults.begin(), faults.end(), [&](velasim::Fault fault) {
-        constexpr double kOften = 0.1;
         std::cout << toString(fault) << ": ";
         campaign.mix = {standing(fault, kOften)};
         return run(campaign);

@@ -1,21 +1,37 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
+//
+// What programs need that run something again and again until it fails.
 #pragma once
 
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstddef>
 #include <cstring>
 #include <new>
 #include <string>
 #include <system_error>
 #include <type_traits>
+#include <utility>
+#include <vector>
 
 namespace coherence {
+
+/** Whether a run failed, and why, as processes can share it. */
+struct Verdict {
+    /** A text; empty: all was as promised. */
+    std::array<char, 16384> failure;
+
+    bool isFailure() const { return failure[0] != '\0'; }
+    void fail(const std::string& text) { text.copy(failure.data(), failure.size() - 1); }
+};
 
 /** A plain value that a process shares with the processes that it forks. */
 template <typename Value>
@@ -68,6 +84,28 @@ std::string runApart(Job job, std::chrono::seconds atMost) {
     }
     return WEXITSTATUS(status) == 0 ? ""
                                     : "ends with status " + std::to_string(WEXITSTATUS(status));
+}
+
+/** The shortest list found that still fails, made by leaving out items. */
+template <typename Item, typename Fails>
+std::vector<Item> shrink(std::vector<Item> items, Fails fails) {
+    for (std::size_t chunk = items.size(); chunk > 0;) {
+        const auto before = items.size();
+        for (std::size_t from = 0; from < items.size();) {
+            auto candidate = items;
+            const auto begin = candidate.begin() + static_cast<std::ptrdiff_t>(from);
+            candidate.erase(begin,
+                            begin + std::min<std::ptrdiff_t>(static_cast<std::ptrdiff_t>(chunk),
+                                                             candidate.end() - begin));
+            if (fails(candidate)) {
+                items = std::move(candidate);
+            } else {
+                from += chunk;
+            }
+        }
+        chunk /= items.size() == before ? 2U : 1U;
+    }
+    return items;
 }
 
 }  // namespace coherence
