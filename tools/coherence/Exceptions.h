@@ -29,8 +29,6 @@ inline constexpr const char* kIndicationFault = "the indication was lost, late, 
  */
 class Exceptions {
   public:
-    Exceptions() { startOver(); }
-
     void add(ProfileId id, const char* reason) { reasons.emplace(id, reason); }
     /** The library knows no profile of the technology any more. */
     void addAll(velasim::Technology technology, const char* reason) {
@@ -82,21 +80,11 @@ class Exceptions {
         reasons.clear();
         unread.clear();
         hasBeenElsewhere = isElsewhere;
-        for (const auto* ids : {&underWay, &held}) {
-            for (const auto& id : *ids) {
+        for (const auto& ids : {underWay, held}) {
+            for (const auto& id : ids) {
                 add(id, kOvertaken);
             }
         }
-    }
-
-    void startOver() {
-        for (auto* ids : {&known, &underWay, &held}) {
-            ids->clear();
-        }
-        reasons.clear();
-        isElsewhere = hasBeenElsewhere = false;
-        addAll(velasim::Technology::ThreeGpp, kNeverRead);
-        addAll(velasim::Technology::ThreeGpp2, kNeverRead);
     }
 
     /** Why; null: there is no reason. */
@@ -113,7 +101,8 @@ class Exceptions {
     }
 
   private:
-    std::map<velasim::Technology, const char*> unread;
+    std::map<velasim::Technology, const char*> unread{{velasim::Technology::ThreeGpp, kNeverRead},
+                                                      {velasim::Technology::ThreeGpp2, kNeverRead}};
     std::map<ProfileId, const char*> reasons;
     std::set<ProfileId> known;
     std::set<ProfileId> underWay;

@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <iterator>
+#include <type_traits>
+
+#include "profiles/Text.h"
 
 namespace coherence {
 
@@ -23,76 +26,50 @@ struct Access {
 template <auto Has, auto Get, auto Set>
 constexpr Access access() {
     using Type = decltype((std::declval<Params>().*Get)());
-    if constexpr (std::is_same_v<Type, std::string>) {
-        return {[](const Params& params) { return (params.*Has)(); },
-                [](const Params& params) { return Value((params.*Get)()); },
-                [](Params& params, const Value& value) {
-                    (params.*Set)(std::get<std::string>(value));
-                }};
-    } else {
-        return {
-            [](const Params& params) { return (params.*Has)(); },
-            [](const Params& params) { return Value(static_cast<std::int64_t>((params.*Get)())); },
+    using Kept = std::conditional_t<std::is_same_v<Type, std::string>, Type, std::int64_t>;
+    return {[](const Params& params) { return (params.*Has)(); },
+            [](const Params& params) { return Value(static_cast<Kept>((params.*Get)())); },
             [](Params& params, const Value& value) {
-                (params.*Set)(static_cast<Type>(std::get<std::int64_t>(value)));
+                (params.*Set)(static_cast<Type>(std::get<Kept>(value)));
             }};
-    }
 }
 
 struct Rule {
     Field field;
-    ValueKind kind;
     const char* label;
+    Access client;  // empty: clients do not have it
+    ValueKind kind;
     const char* name;
     const char* name2 = nullptr;  // 3GPP2; null: it has no such field
-    Access client = {};
     const char* copy2 = nullptr;  // written with the same value, and never read
     std::size_t limit = 0;        // of a text
 };
 
+#define VELA_OF_MODEM(Name) \
+    Field::Name, #Name, {}
+#define VELA_OF_CLIENT(Name) \
+    Field::Name, #Name, access<&Params::has##Name, &Params::get##Name, &Params::set##Name>()
+
 constexpr Rule kRules[] = {
-    {Field::ApnName, ValueKind::Text, "ApnName", "apn_name", "apn_string_3gpp2",
-     access<&Params::hasApnName, &Params::getApnName, &Params::setApnName>(), nullptr, kApnLimit},
-    {Field::UserName, ValueKind::Text, "UserName", "user_name", "user_id",
-     access<&Params::hasUserName, &Params::getUserName, &Params::setUserName>(),
-     "pdn_level_user_id", 127},
-    {Field::Password, ValueKind::Text, "Password", "password", "authentication_password",
-     access<&Params::hasPassword, &Params::getPassword, &Params::setPassword>(),
+    {VELA_OF_CLIENT(ApnName), ValueKind::Text, "apn_name", "apn_string_3gpp2", nullptr, kApnLimit},
+    {VELA_OF_CLIENT(UserName), ValueKind::Text, "user_name", "user_id", "pdn_level_user_id", 127},
+    {VELA_OF_CLIENT(Password), ValueKind::Text, "password", "authentication_password",
      "pdn_level_authentication_password", 127},
-    {Field::AuthType, ValueKind::AuthType, "AuthType", "authentication_preference",
-     "authentication_protocol",
-     access<&Params::hasAuthType, &Params::getAuthType, &Params::setAuthType>(),
-     "pdn_level_authentication_protocol"},
-    {Field::CommonIPType, ValueKind::CommonIPType, "CommonIPType", "pdp_type", "pdn_type_3gpp2"},
-    {Field::ApnTypesMask, ValueKind::ApnTypes, "ApnTypesMask", "apn_type_mask", "apn_type_mask",
-     access<&Params::hasApnTypesMask, &Params::getApnTypesMask, &Params::setApnTypesMask>()},
-    {Field::ApnClass, ValueKind::ApnClass, "ApnClass", "apn_class", "apn_class_3gpp2",
-     access<&Params::hasApnClass, &Params::getApnClass, &Params::setApnClass>()},
-    {Field::IsClatEnabled, ValueKind::Flag, "IsClatEnabled", "clat_enabled", "clat_enabled",
-     access<&Params::hasIsClatEnabled, &Params::getIsClatEnabled, &Params::setIsClatEnabled>()},
-    {Field::OverrideHomeIPType, ValueKind::HomeIPType, "OverrideHomeIPType",
-     "override_home_pdp_type"},
-    {Field::LteRoamIP, ValueKind::RoamIPType, "LteRoamIP", "lte_roaming_pdp_type"},
-    {Field::UmtsRoamIP, ValueKind::RoamIPType, "UmtsRoamIP", "umts_roaming_pdp_type"},
-    {Field::MaxPdnsConnPerBlock, ValueKind::Count, "MaxPdnsConnPerBlock",
-     "max_pdn_connections_per_block", nullptr,
-     access<&Params::hasMaxPdnsConnPerBlock, &Params::getMaxPdnsConnPerBlock,
-            &Params::setMaxPdnsConnPerBlock>()},
-    {Field::MaxPdnConnTimer, ValueKind::Count, "MaxPdnConnTimer", "max_pdn_connection_timer",
-     nullptr,
-     access<&Params::hasMaxPdnConnTimer, &Params::getMaxPdnConnTimer,
-            &Params::setMaxPdnConnTimer>()},
-    {Field::PdnReqWaitInterval, ValueKind::Count, "PdnReqWaitInterval", "pdn_request_wait_interval",
-     nullptr,
-     access<&Params::hasPdnReqWaitInterval, &Params::getPdnReqWaitInterval,
-            &Params::setPdnReqWaitInterval>()},
-    {Field::IsApnDisabled, ValueKind::Flag, "IsApnDisabled", "apn_disabled_flag", nullptr,
-     access<&Params::hasIsApnDisabled, &Params::getIsApnDisabled, &Params::setIsApnDisabled>()},
-    {Field::IsEmergencySupported, ValueKind::Flag, "IsEmergencySupported",
-     "emergency_calls_support", nullptr,
-     access<&Params::hasIsEmergencySupported, &Params::getIsEmergencySupported,
-            &Params::setIsEmergencySupported>()},
-    {Field::ProfileName, ValueKind::Text, "ProfileName", "profile_name", nullptr, {}, nullptr, 50},
+    {VELA_OF_CLIENT(AuthType), ValueKind::AuthType, "authentication_preference",
+     "authentication_protocol", "pdn_level_authentication_protocol"},
+    {VELA_OF_MODEM(CommonIPType), ValueKind::CommonIPType, "pdp_type", "pdn_type_3gpp2"},
+    {VELA_OF_CLIENT(ApnTypesMask), ValueKind::ApnTypes, "apn_type_mask", "apn_type_mask"},
+    {VELA_OF_CLIENT(ApnClass), ValueKind::ApnClass, "apn_class", "apn_class_3gpp2"},
+    {VELA_OF_CLIENT(IsClatEnabled), ValueKind::Flag, "clat_enabled", "clat_enabled"},
+    {VELA_OF_MODEM(OverrideHomeIPType), ValueKind::HomeIPType, "override_home_pdp_type"},
+    {VELA_OF_MODEM(LteRoamIP), ValueKind::RoamIPType, "lte_roaming_pdp_type"},
+    {VELA_OF_MODEM(UmtsRoamIP), ValueKind::RoamIPType, "umts_roaming_pdp_type"},
+    {VELA_OF_CLIENT(MaxPdnsConnPerBlock), ValueKind::Count, "max_pdn_connections_per_block"},
+    {VELA_OF_CLIENT(MaxPdnConnTimer), ValueKind::Count, "max_pdn_connection_timer"},
+    {VELA_OF_CLIENT(PdnReqWaitInterval), ValueKind::Count, "pdn_request_wait_interval"},
+    {VELA_OF_CLIENT(IsApnDisabled), ValueKind::Flag, "apn_disabled_flag"},
+    {VELA_OF_CLIENT(IsEmergencySupported), ValueKind::Flag, "emergency_calls_support"},
+    {VELA_OF_MODEM(ProfileName), ValueKind::Text, "profile_name", nullptr, nullptr, 50},
 };
 
 const char* nameOf(const Rule& rule, bool is3gpp2) {
@@ -112,27 +89,15 @@ void eraseSame(Image& wanted, const Image& held) {
     });
 }
 
-/** Up to the field's limit, and to the first zero byte. */
-std::string cut(const std::string& text, std::size_t limit) {
-    return text.substr(0, std::min(limit, text.find('\0')));
-}
-
+/** Texts up to the field's limit, and to the first zero byte. */
 void write(const Rule& rule, const char* name, bool is3gpp2, const Value& value,
            velasim::Settings& settings) {
     if (const auto* text = std::get_if<std::string>(&value)) {
-        velasim::setText(settings, name, cut(*text, rule.limit));
+        velasim::setText(settings, name, text->substr(0, std::min(rule.limit, text->find('\0'))));
     } else {
         velasim::setNumber(settings, name,
                            toModem(rule.kind, is3gpp2, std::get<std::int64_t>(value)));
     }
-}
-
-/** As APN names are kept. */
-std::string lower(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
-        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    });
-    return text;
 }
 
 }  // namespace
@@ -145,7 +110,7 @@ Image clientFields(const Params& params, bool is3gpp2) {
         }
         auto& value = image.values[rule.field] = rule.client.get(params);
         if (rule.field == Field::ApnName) {
-            value = lower(std::get<std::string>(value).substr(0, kApnLimit));
+            value = velactl::toLower(std::get<std::string>(value).substr(0, kApnLimit));
         }
     }
     return image;
@@ -258,11 +223,10 @@ velasim::Settings Image::settings() const {
     velasim::Settings settings{};
     for (const auto& rule : kRules) {
         const auto held = value(rule.field);
-        if (const char* name = nameOf(rule, is3gpp2); held && name) {
-            write(rule, name, is3gpp2, *held, settings);
-        }
-        if (held && is3gpp2 && rule.copy2) {
-            write(rule, rule.copy2, is3gpp2, *held, settings);
+        for (const char* name : {nameOf(rule, is3gpp2), is3gpp2 ? rule.copy2 : nullptr}) {
+            if (held && name) {
+                write(rule, name, is3gpp2, *held, settings);
+            }
         }
     }
     return settings;
@@ -276,7 +240,8 @@ Image Image::of(const velasim::Settings& settings, bool is3gpp2) {
             continue;  // a 3GPP2 password is never read
         }
         if (const auto text = velasim::textOf(settings, name)) {
-            image.values[rule.field] = rule.field == Field::ApnName ? lower(*text) : *text;
+            image.values[rule.field] =
+                rule.field == Field::ApnName ? velactl::toLower(*text) : *text;
         } else if (const auto number = velasim::numberOf(settings, name)) {
             if (const auto value = fromModem(rule.kind, is3gpp2, *number)) {
                 image.values[rule.field] = *value;

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <deque>
-#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
@@ -60,9 +59,7 @@ class KeyRing {
     Release drop(unsigned slot) { return drop(keys.at(slot)); }
 
     /** The listeners that ran, in order; they are to be predicted. */
-    void witness(std::vector<Call> ran) {
-        calls.assign(std::make_move_iterator(ran.begin()), std::make_move_iterator(ran.end()));
-    }
+    void witness(const std::vector<Call>& ran) { calls.assign(ran.begin(), ran.end()); }
     /** Predicts that these run, in order, but for those whose key is gone by then, and what they
      * see. */
     void run(const Listeners& listeners, const std::vector<std::string>& dump) {

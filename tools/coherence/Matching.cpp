@@ -8,10 +8,10 @@ namespace coherence {
 
 namespace {
 
-using vela::FilterMatchCriteria;
+using Criterion = vela::FilterMatchCriteria;
 using vela::FilterProfileParams;
 
-bool hasCriterion(const FilterProfileParams& filter, FilterMatchCriteria criterion) {
+bool hasCriterion(const FilterProfileParams& filter, Criterion criterion) {
     return (filter.getFilterMatchCriteria() & toMask(criterion)) != 0;
 }
 
@@ -20,40 +20,27 @@ bool isWithin(std::int64_t part, std::int64_t whole) {
     return (part | whole) == whole;
 }
 
-bool matchesField(const Image& image, Field field, const Value& wanted, bool isPartEnough) {
+bool matchesField(const Image& image, Field field, const Value& wanted,
+                  const FilterProfileParams& filter) {
     const auto held = image.value(field);
-    if (!held || (field != Field::ApnName && field != Field::ApnTypesMask)) {
+    if (held && field == Field::ApnName && hasCriterion(filter, Criterion::ApnNameSubset)) {
+        const auto& part = std::get<std::string>(wanted);
+        return std::get<std::string>(*held).find(part) != std::string::npos;
+    }
+    if (field != Field::ApnTypesMask) {
         return held == wanted;
     }
-    if (field == Field::ApnName) {
-        const auto& part = std::get<std::string>(wanted);
-        return held == wanted ||
-               (isPartEnough && std::get<std::string>(*held).find(part) != std::string::npos);
-    }
     const auto types = modemTypesOf(std::get<std::int64_t>(wanted));
-    return held == Value(types) || (isPartEnough && isWithin(types, std::get<std::int64_t>(*held)));
+    return held == Value(types) || (held && hasCriterion(filter, Criterion::ApnTypeBitmaskSubset) &&
+                                    isWithin(types, std::get<std::int64_t>(*held)));
 }
 
 bool matchesFields(const Image& image, const FilterProfileParams& filter) {
     // What 3GPP2 profiles cannot have is asked of them all the same, and not found.
     const Image asked = clientFields(filter, false);
-    const bool isNamePart = hasCriterion(filter, FilterMatchCriteria::ApnNameSubset);
-    const bool isMaskPart = hasCriterion(filter, FilterMatchCriteria::ApnTypeBitmaskSubset);
     return std::all_of(asked.values.begin(), asked.values.end(), [&](const auto& item) {
-        return matchesField(image, item.first, item.second,
-                            item.first == Field::ApnName ? isNamePart : isMaskPart);
+        return matchesField(image, item.first, item.second, filter);
     });
-}
-
-struct IPCriteria {
-    bool isPartEnough;
-    bool isWholeEnough;
-};
-
-bool matchesIPType(std::optional<std::int64_t> held, vela::IPType asked, IPCriteria criteria) {
-    const auto wanted = static_cast<std::int64_t>(asked);
-    return held && (held == wanted || (criteria.isPartEnough && isWithin(wanted, *held)) ||
-                    (criteria.isWholeEnough && isWithin(*held, wanted)));
 }
 
 /** A 3GPP2 profile always has one. */
@@ -76,15 +63,20 @@ std::optional<std::int64_t> roamIPTypeOf(const Image& image) {
     return lte == umts.value_or(kUnknown) ? lte : std::nullopt;
 }
 
+bool matchesIPType(const FilterProfileParams& filter, std::optional<std::int64_t> held,
+                   vela::IPType asked, Criterion subset, Criterion superset) {
+    const auto wanted = static_cast<std::int64_t>(asked);
+    return held && (held == wanted || (hasCriterion(filter, subset) && isWithin(wanted, *held)) ||
+                    (hasCriterion(filter, superset) && isWithin(*held, wanted)));
+}
+
 bool matchesIPTypes(const Image& image, const FilterProfileParams& filter) {
-    const IPCriteria home{hasCriterion(filter, FilterMatchCriteria::HomeIPSubset),
-                          hasCriterion(filter, FilterMatchCriteria::HomeIPSuperset)};
-    const IPCriteria roam{hasCriterion(filter, FilterMatchCriteria::RoamIPSubset),
-                          hasCriterion(filter, FilterMatchCriteria::RoamIPSuperset)};
     return (!filter.hasHomeIPType() ||
-            matchesIPType(homeIPTypeOf(image), filter.getHomeIPType(), home)) &&
+            matchesIPType(filter, homeIPTypeOf(image), filter.getHomeIPType(),
+                          Criterion::HomeIPSubset, Criterion::HomeIPSuperset)) &&
            (!filter.hasRoamIPType() ||
-            matchesIPType(roamIPTypeOf(image), filter.getRoamIPType(), roam));
+            matchesIPType(filter, roamIPTypeOf(image), filter.getRoamIPType(),
+                          Criterion::RoamIPSubset, Criterion::RoamIPSuperset));
 }
 
 bool matchesSelectors(const Image& image, ProfileId id, const FilterProfileParams& filter) {

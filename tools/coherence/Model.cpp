@@ -164,7 +164,7 @@ void Model::endRefresh() {
 
 void Model::init(int instance) {
     modem.startOver(instance);
-    exceptions.startOver();
+    exceptions = {};
     pending.clear();
     dropAll();
     isBlocked = false;
@@ -255,24 +255,16 @@ void Model::settle() {
 
 void Model::rest() {
     modem.lookAhead();
-    do {
-        while (!keys.deferred.empty()) {
-            const auto token = keys.deferred.front();
-            keys.deferred.pop_front();
-            if (!isBlocked) {
-                releaseToken(token);
-            }
+    while (!keys.deferred.empty() || !modem.signals.empty()) {
+        if (keys.deferred.empty()) {
+            handle(takeFirst(modem.signals));
+        } else if (const auto token = takeFirst(keys.deferred); !isBlocked) {
+            releaseToken(token);
         }
-        handleSignal();
-    } while (!keys.deferred.empty() || !modem.signals.empty());
+    }
 }
 
-void Model::handleSignal() {
-    if (modem.signals.empty()) {
-        return;
-    }
-    const auto signal = modem.signals.front();
-    modem.signals.pop_front();
+void Model::handle(ModelModem::Signal signal) {
     switch (signal) {
         case ModelModem::Signal::Arrival:
             return handleArrivals();
@@ -285,8 +277,7 @@ void Model::handleSignal() {
 
 void Model::handleArrivals() {
     while (!modem.arrivals.empty()) {
-        const auto arrival = modem.arrivals.front();
-        modem.arrivals.pop_front();
+        const auto arrival = takeFirst(modem.arrivals);
         if (arrival.messageId != RLINK_WDS_PROFILE_CHANGED_IND_V01) {
             continue;
         }

@@ -115,7 +115,7 @@ class Model {
     using Events = std::vector<Event>;
 
     void rest();
-    void handleSignal();
+    void handle(ModelModem::Signal signal);
     void handleArrivals();
     void follow(const Arrival::Change& change);
     void reload();

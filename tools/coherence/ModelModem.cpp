@@ -143,14 +143,12 @@ void ModelModem::signal(Signal signal) {
 
 bool ModelModem::struck(Fault fault) {
     const auto* entry = next();
-    if (entry == nullptr || entry->fault != fault) {
-        return false;
-    }
-    trace.pop_front();
-    return true;
+    return entry != nullptr && entry->fault == fault && takeFirst(trace).fault;
 }
 
-void ModelModem::expect(JournalKind kind, std::uint32_t messageId, std::optional<ProfileId> id) {
+/** What the library must have done, or got, next. */
+JournalEntry ModelModem::take(JournalKind kind, std::uint32_t messageId,
+                              std::optional<ProfileId> id) {
     const auto* entry = next();
     if (entry == nullptr || entry->kind != kind || entry->messageId != messageId ||
         (id && (entry->technology != id->technology || entry->index != id->index))) {
@@ -158,6 +156,7 @@ void ModelModem::expect(JournalKind kind, std::uint32_t messageId, std::optional
         throw Mismatch("expected " + toString(kind) + message + (id ? " " + id->text() : "") +
                        ", not: " + (entry == nullptr ? "nothing" : entry->line()));
     }
+    return takeFirst(trace);
 }
 
 ModelModem::Reply ModelModem::request(std::uint32_t messageId, std::optional<ProfileId> id,
@@ -166,19 +165,16 @@ ModelModem::Reply ModelModem::request(std::uint32_t messageId, std::optional<Pro
     if (client == 0) {
         return reply;  // nothing leaves the library
     }
-    expect(JournalKind::Request, messageId, id);
-    trace.pop_front();
+    take(JournalKind::Request, messageId, id);
     const auto takeFaults = [&] {
         for (const auto* entry = next(); entry != nullptr && entry->fault; entry = next()) {
-            reply.faults.insert(*entry->fault);
-            trace.pop_front();
+            reply.faults.insert(*takeFirst(trace).fault);
         }
     };
     takeFaults();
-    expect(JournalKind::Response, messageId, std::nullopt);
+    const auto response = take(JournalKind::Response, messageId);
     const bool wasAccepted =
-        trace.front().result == RLINK_NO_ERROR && trace.front().error == velasim::ModemError::None;
-    trace.pop_front();
+        response.result == RLINK_NO_ERROR && response.error == velasim::ModemError::None;
     takeFaults();
 
     reply.hasEffect =
@@ -204,20 +200,9 @@ ModelModem::Reply ModelModem::request(std::uint32_t messageId, std::optional<Pro
     return reply;
 }
 
-/** Takes what the library must have done. */
-JournalEntry ModelModem::take(JournalKind kind) {
-    expect(kind, 0, std::nullopt);
-    auto entry = trace.front();
-    trace.pop_front();
-    return entry;
-}
-
 void ModelModem::release(std::uint32_t& handle) {
-    if (const auto released = std::exchange(handle, 0U); released != 0) {
-        const auto entry = take(JournalKind::Released);
-        if (entry.client != released) {
-            throw Mismatch("not the handle to be released: " + entry.line());
-        }
+    if (handle != 0 && take(JournalKind::Released).client != std::exchange(handle, 0U)) {
+        throw Mismatch("another handle should have been released");
     }
 }
 
@@ -241,10 +226,6 @@ void ModelModem::onServiceUp() {
     if (client != 0 || struck(Fault::ClientInitFailure)) {
         return;
     }
-    connect();
-}
-
-void ModelModem::connect() {
     client = take(JournalKind::ClientConnected).client;
     isConnected = true;
     hasErrorCallback = !struck(Fault::ErrorCallbackFailure);

@@ -12,6 +12,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Exceptions.h"
@@ -19,6 +20,13 @@
 #include "Image.h"
 
 namespace coherence {
+
+template <typename Item>
+Item takeFirst(std::deque<Item>& queue) {
+    Item first = std::move(queue.front());
+    queue.pop_front();
+    return first;
+}
 
 /** The library's numbers for what an indication says has happened. */
 enum class Event { Create, Delete, Modify, SubscriptionChange, ProfileReady };
@@ -133,11 +141,10 @@ class ModelModem {
     void observeIndication(const velasim::JournalEntry& entry, ProfileId about);
     void signal(Signal signal);
     bool struck(velasim::Fault fault);
-    velasim::JournalEntry take(velasim::JournalKind kind);
     void release(std::uint32_t& handle);
     void startNotifier();
-    void connect();
-    void expect(velasim::JournalKind kind, std::uint32_t messageId, std::optional<ProfileId> id);
+    velasim::JournalEntry take(velasim::JournalKind kind, std::uint32_t messageId = 0,
+                               std::optional<ProfileId> id = {});
 
     Exceptions& exceptions;
     std::deque<velasim::JournalEntry> trace;
