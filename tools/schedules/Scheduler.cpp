@@ -111,6 +111,7 @@ bool Scheduler::letTimePass() {
     return true;
 }
 
+/** Who can go on, and of those whom the plan says. */
 std::size_t Scheduler::next() {
     auto possible = runnable();
     if (possible == 0 && letTimePass()) {
@@ -119,10 +120,6 @@ std::size_t Scheduler::next() {
     if (possible == 0) {
         fail(describeDeadlock());
     }
-    return decide(possible);
-}
-
-std::uint32_t Scheduler::decide(std::uint32_t possible) {
     const bool canGoOn = isIn(running, possible);
     const auto usual = canGoOn ? static_cast<std::uint32_t>(running)
                                : static_cast<std::uint32_t>(std::countr_zero(possible));
@@ -173,9 +170,8 @@ void Scheduler::note(const Thread& thread, const void* caller) {
 std::string Scheduler::describeDeadlock() const {
     std::string text = "nobody can go on; next would be: ";
     for (std::size_t i = 0; i < threadCount; ++i) {
-        if (const auto& thread = threads.at(i); !thread.hasLeft) {
-            text += std::string(thread.name) + " " + thread.action + "; ";
-        }
+        const auto& thread = threads.at(i);
+        text += thread.hasLeft ? "" : std::string(thread.name) + " " + thread.action + "; ";
     }
     return text;
 }
@@ -183,18 +179,6 @@ std::string Scheduler::describeDeadlock() const {
 void Scheduler::fail(const std::string& text) {
     execution->fail(text);
     ::_exit(0);
-}
-
-void Scheduler::enterFunction(const void* caller) {
-    if (isRunning()) {
-        threads[running].calls.push_back(caller);
-    }
-}
-
-void Scheduler::leaveFunction() {
-    if (isRunning()) {
-        threads[running].calls.pop_back();
-    }
 }
 
 }  // namespace schedules

@@ -5,12 +5,13 @@
 #include <semaphore.h>
 #include <velasim/Random.h>
 
-#include <array>
 #include <cstdint>
 #include <functional>
 #include <limits>
 #include <string>
 #include <vector>
+
+#include "coherence/Runs.h"
 
 namespace schedules {
 
@@ -21,7 +22,7 @@ struct Switch {
 };
 
 /** One execution of a script, in memory that it shares with who started it. */
-struct Execution {
+struct Execution : coherence::Verdict {
     static constexpr std::size_t kMost = 4096;
 
     // The plan: these switches, and if there is a seed, random priorities, of which at some
@@ -50,10 +51,6 @@ struct Execution {
     std::uint32_t stepCount;
     std::array<Step, kMost> steps;
     bool isDone;
-    std::array<char, 4096> failure;
-
-    void fail(const std::string& text) { text.copy(failure.data(), failure.size() - 1); }
-    bool isFailure() const { return failure[0] != '\0'; }
 };
 
 /** Whether a thread that wants to go on could; empty: always. */
@@ -102,8 +99,8 @@ class Scheduler {
     [[noreturn]] void fail(const std::string& text);
 
     // The functions that the running thread is in, by addresses in their callers.
-    void enterFunction(const void* caller);
-    void leaveFunction();
+    void enterFunction(const void* caller) { threads[running].calls.push_back(caller); }
+    void leaveFunction() { threads[running].calls.pop_back(); }
 
   private:
     struct Thread {
@@ -121,7 +118,6 @@ class Scheduler {
     std::uint32_t runnable() const;
     bool letTimePass();
     std::size_t next();
-    std::uint32_t decide(std::uint32_t possible);
     std::uint32_t byPriority(std::uint32_t possible);
     void note(const Thread& thread, const void* caller);
     void handOver(std::size_t thread);

@@ -14,9 +14,9 @@
 #include <thread>
 #include <utility>
 
-#include "Explorer.h"
 #include "Modem.h"
 #include "Scheduler.h"
+#include "Scripts.h"
 #include "vela/Manager.h"
 
 namespace schedules {
