@@ -207,7 +207,7 @@ void Driver::init(int instance) {
 // ---- The modem
 
 void Driver::deliver() {
-    onSimulator([](auto& simulator) { simulator.deliverNext(); });
+    onSimulator([](auto& modem) { modem.deliverNext(); });
     checkCache();
 }
 
@@ -219,7 +219,7 @@ void Driver::deliverAll() {
 
 void Driver::deliverAtOnce() {
     const auto visitor = std::make_shared<Visitor>([this] { simulator.deliverAll(); });
-    onSimulator([&](auto& /*simulator*/) { manager.getProfile(visitor); });
+    onSimulator([&](auto& /*modem*/) { manager.getProfile(visitor); });
     if (!visitor->hasVisited()) {
         throw Mismatch("the worker did not look at a key");
     }
@@ -254,7 +254,7 @@ void Driver::heal() {
     reconnect();
     check();
     while (!model.hasHandledAll()) {  // each that cannot be decoded keeps those behind it waiting
-        onSimulator([](auto& simulator) { simulator.injectIndication(kSaysNothing); });
+        onSimulator([](auto& modem) { modem.injectIndication(kSaysNothing); });
         deliverAll();
         check();
     }
