@@ -21,6 +21,8 @@ struct Scene {
     Count changes{0};
     Count outages{0};
 
+    explicit Scene(const velasim::SimulatorOptions& modem) : simulator(modem) {}
+
     velasim::Simulator simulator;
     vela::Manager library;
 };

@@ -19,11 +19,12 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <future>
+#include <functional>
 #include <iostream>
 #include <iterator>
 #include <memory>
 #include <set>
+#include <thread>
 #include <tuple>
 #include <vector>
 
@@ -50,20 +51,14 @@ constexpr std::int64_t kAllocatedSlack = 128 << 10;
 constexpr std::int64_t kResidentSlack = 8 << 20;
 constexpr std::int64_t kBytesPerPendingRecord = 48;
 
-constexpr std::pair<Fault, double> kFaults[] = {
-    {Fault::Timeout, 0.005},
-    {Fault::Refuse, 0.005},
-    {Fault::TimeoutAfterEffect, 0.005},
-    {Fault::RestartBeforeEffect, 0.0005},
-    {Fault::RestartAfterEffect, 0.0005},
-    {Fault::RestartAfterResponse, 0.0005},
-    {Fault::LoseIndication, 0.005},
-    {Fault::TruncateIndication, 0.005},
-    {Fault::DelayIndication, 0.005},
-    {Fault::DuplicateIndication, 0.005},
-    {Fault::ReorderIndication, 0.005},
-    {Fault::IndicationBeforeResponse, 0.005},
-    {Fault::ClientInitFailure, 0.01},
+/** By probability. */
+const std::pair<double, std::vector<Fault>> kFaults[] = {
+    {0.005,
+     {Fault::Timeout, Fault::Refuse, Fault::TimeoutAfterEffect, Fault::LoseIndication,
+      Fault::TruncateIndication, Fault::DelayIndication, Fault::DuplicateIndication,
+      Fault::ReorderIndication, Fault::IndicationBeforeResponse}},
+    {0.0005, {Fault::RestartBeforeEffect, Fault::RestartAfterEffect, Fault::RestartAfterResponse}},
+    {0.01, {Fault::ClientInitFailure}},
 };
 
 std::atomic<const char*> current{"starting"};
@@ -156,33 +151,24 @@ bool hasOneHandle(Scene& scene) {
     return scene.simulator.openHandles() == 1;
 }
 
-struct Check {
-    const char* activity;
-    bool (*passes)(Scene& scene);
-    const char* complaint;
-};
-constexpr Check kChecks[] = {
-    {"waiting for the library's subscription", isConnected, "the library has lost the service"},
-    {"comparing cache and modem", agrees, "cache and modem differ after a reload"},
-    {"counting handles", hasOneHandle, "messaging clients or notifiers leak"},
-};
-
-/** Null, or what is wrong. Indications of before may wait behind one that could not be decoded, and
- * strike late: what fails is tried again. */
-const char* complaintAbout(Scene& scene) {
-    constexpr int kAttempts = 50;
-    for (const auto& check : kChecks) {
-        begin(check.activity);
-        int attempts = kAttempts;
-        while (attempts > 0 && !check.passes(scene)) {
-            settle(scene);
-            --attempts;
-        }
-        if (attempts == 0) {
-            return check.complaint;
-        }
+bool require(bool holds, const char* complaint) {
+    if (!holds) {
+        std::cerr << "soak: " << complaint << "\n";
     }
-    return nullptr;
+    return holds;
+}
+
+/** Indications of before may wait behind one that could not be decoded, and strike late: what fails
+ * is tried again. */
+bool comesTrue(Scene& scene, const char* activity, bool (*passes)(Scene& scene),
+               const char* complaint) {
+    begin(activity);
+    int attempts = 50;
+    while (attempts > 0 && !passes(scene)) {
+        settle(scene);
+        --attempts;
+    }
+    return require(attempts > 0, complaint);
 }
 
 // ---- The run
@@ -241,49 +227,36 @@ std::ostream& operator<<(std::ostream& out, const Sample& sample) {
                << " threads, " << sample.pendingRecords << " pending records\n";
 }
 
-bool require(bool holds, const char* complaint) {
-    if (!holds) {
-        std::cerr << "soak: " << complaint << "\n";
-    }
-    return holds;
-}
-
-void addFaults(velasim::FaultPlan& plan) {
-    for (const auto& [fault, probability] : kFaults) {
-        velasim::FaultRule rule;
-        rule.fault = fault;
-        rule.count = 0;
-        rule.probability = probability;
-        plan.add(rule);
-    }
-}
-
 void round(Scene& scene, const Options& options, std::uint64_t number) {
     begin("serving the clients");
-    addFaults(scene.simulator.faults());
-    std::vector<std::future<void>> clients;
-    for (std::uint64_t client = 0; client < options.threads; ++client) {
-        clients.push_back(std::async(std::launch::async, [&scene, &options, number, client] {
-            runClient(scene, client, (options.seed * 1'000'000 + number) * 1000 + client,
-                      kRequestsPerRound / options.threads);
-        }));
+    for (const auto& [probability, faults] : kFaults) {
+        for (const auto fault : faults) {
+            scene.simulator.faults().add({fault, velasim::kAnyMessage, 1, 1, 0, probability});
+        }
     }
-    for (auto& client : clients) {
-        client.get();
+    std::vector<std::jthread> clients;  // which end before they go
+    for (std::uint64_t client = 0; client < options.threads; ++client) {
+        clients.emplace_back(runClient, std::ref(scene), client,
+                             (options.seed * 1'000'000 + number) * 1000 + client,
+                             kRequestsPerRound / options.threads);
     }
 }
 
 /** True: the library is in order. */
 bool rest(Scene& scene, std::uint64_t seed, std::uint64_t& faults) {
     begin("coming to rest");
-    for (std::size_t rule = 0; rule < std::size(kFaults); ++rule) {
+    for (std::size_t rule = 0; rule < velasim::allFaults().size(); ++rule) {
         faults += scene.simulator.faults().strikes(rule);
     }
     scene.simulator.faults().reset(seed);
     scene.simulator.serviceUp();
     scene.simulator.releaseDelayed();
-    const char* complaint = complaintAbout(scene);
-    return require(complaint == nullptr, complaint);
+    return comesTrue(scene, "waiting for the library's subscription", isConnected,
+                     "the library has lost the service") &&
+           comesTrue(scene, "comparing cache and modem", agrees,
+                     "cache and modem differ after a reload") &&
+           comesTrue(scene, "counting handles", hasOneHandle,
+                     "messaging clients or notifiers leak");
 }
 
 bool hasNoGrowth(const Sample& first, const Sample& last, bool isLong) {
@@ -354,7 +327,7 @@ int main(int argc, char** argv) {
     modem.capacity = 100;
     modem.seed = options.seed;
     modem.journalLimit = 1024;
-    Scene scene{{}, {}, {}, {}, {}, {}, {}, {}, velasim::Simulator(modem), {}};
+    Scene scene(modem);
     vela::setObserver(std::make_shared<AnswerCounter>(scene.lostAnswers));
     begin("initialising the library");
     scene.library.init(0, false);

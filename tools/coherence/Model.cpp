@@ -14,12 +14,6 @@ namespace coherence {
 
 using velasim::Technology;
 
-void Model::witness(const std::vector<velasim::JournalEntry>& entries,
-                    std::vector<KeyRing::Call> ran) {
-    modem.witness(entries);
-    keys.witness(std::move(ran));
-}
-
 void Model::finish() {
     rest();
     modem.finish();

@@ -40,7 +40,11 @@ class Model {
     explicit Model(unsigned capacity) : modem(capacity, exceptions) {}
 
     /** What is to be predicted next, and the listeners that ran meanwhile, in order. */
-    void witness(const std::vector<velasim::JournalEntry>& entries, std::vector<KeyRing::Call> ran);
+    void witness(const std::vector<velasim::JournalEntry>& entries,
+                 const std::vector<KeyRing::Call>& ran) {
+        modem.witness(entries);
+        keys.witness(ran);
+    }
     /** The library's counter of tokens stands at `token`. Only while nothing is remembered. */
     void startTokensAt(std::uint64_t token) { nextToken = token; }
     /** The library does what is left to do, whatever happened to it. Fails when more happened than

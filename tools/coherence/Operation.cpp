@@ -174,15 +174,6 @@ velasim::FaultRule randomRule(Random& random) {
     return rule;
 }
 
-std::string describe(const velasim::FaultRule& rule) {
-    std::ostringstream text;
-    text << " " << toString(rule.fault) << " value=" << rule.value << " on message "
-         << (rule.messageId == velasim::kAnyMessage ? "any" : velasim::messageName(rule.messageId))
-         << ", from number " << rule.first << ", at most " << rule.count
-         << " times (0: always), with probability " << rule.probability;
-    return text.str();
-}
-
 /** An indication that no modem should send. */
 std::vector<std::uint8_t> randomBytes(Random& random) {
     const auto odd = [&](unsigned limit) {  // mostly sensible
@@ -313,7 +304,12 @@ Operation inject(Random& random) {
 }
 
 Operation fault(const velasim::FaultRule& rule) {
-    return {describe(rule), [=](Driver& driver) { driver.addFault(rule); }};
+    std::ostringstream text;
+    text << " " << toString(rule.fault) << " value=" << rule.value << " on message "
+         << (rule.messageId == velasim::kAnyMessage ? "any" : velasim::messageName(rule.messageId))
+         << ", from number " << rule.first << ", at most " << rule.count
+         << " times (0: always), with probability " << rule.probability;
+    return {text.str(), [=](Driver& driver) { driver.addFault(rule); }};
 }
 
 Operation randomFault(Random& random) {

@@ -15,6 +15,7 @@
 #include <csignal>
 #include <cstddef>
 #include <cstring>
+#include <memory>
 #include <new>
 #include <string>
 #include <system_error>
@@ -33,30 +34,17 @@ struct Verdict {
     void fail(const std::string& text) { text.copy(failure.data(), failure.size() - 1); }
 };
 
-/** A plain value that a process shares with the processes that it forks. */
+/** A plain value that this process shares with those that it forks. */
 template <typename Value>
-class Shared {
+std::shared_ptr<Value> shared() {
     static_assert(std::is_trivially_copyable_v<Value>);
-
-  public:
-    Shared() {
-        void* memory = ::mmap(nullptr, sizeof(Value), PROT_READ | PROT_WRITE,
-                              MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-        if (memory == MAP_FAILED) {
-            throw std::system_error(errno, std::generic_category(), "mmap");
-        }
-        value = new (memory) Value{};
+    void* memory =
+        ::mmap(nullptr, sizeof(Value), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED) {
+        throw std::system_error(errno, std::generic_category(), "mmap");
     }
-    Shared(const Shared&) = delete;
-    Shared& operator=(const Shared&) = delete;
-    ~Shared() { ::munmap(value, sizeof(Value)); }
-
-    Value& operator*() const { return *value; }
-    Value* operator->() const { return value; }
-
-  private:
-    Value* value;
-};
+    return {new (memory) Value{}, [](Value* value) { ::munmap(value, sizeof(Value)); }};
+}
 
 /**
  * Carries out `job` in a process of its own, so that a crash or a hang is an outcome like any

@@ -54,7 +54,7 @@ velasim::FaultRule ruleFrom(const std::string& text) {
 /** A run in a process of its own. */
 Outcome runApart(std::uint64_t seed, const std::vector<Operation>& operations,
                  std::chrono::seconds atMost) {
-    const coherence::Shared<Outcome> outcome;
+    const auto outcome = coherence::shared<Outcome>();
     const auto end =
         coherence::runApart([&] { coherence::Driver(seed, *outcome).run(operations); }, atMost);
     if (!end.empty()) {

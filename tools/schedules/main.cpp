@@ -103,7 +103,7 @@ class Explorer {
 
     const Script& script;
     const Options& options;
-    const coherence::Shared<Execution> execution;
+    const std::shared_ptr<Execution> execution = coherence::shared<Execution>();
     std::uint64_t executions = 0;
     std::uint32_t longest = 1;  // in decisions
 };
