@@ -183,7 +183,7 @@ TEST(Fields, AreCompletedAndDocumented) {
 
 TEST(Tables, FitTheWidthAndSayWhatIsNotShown) {
     const ProfileRecord record{vela::TechType::TECH_3GPP, 1, fieldsWithAll(0)};
-    for (std::size_t width = 1; width < 300; width += 3) {
+    for (std::size_t width = 4; width < 300; width += 3) {
         std::ostringstream text;
         profileTable({record}, false).print(text, 2, width);
         const Names lines = split(text.str(), '\n');

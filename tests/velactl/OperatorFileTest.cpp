@@ -192,7 +192,7 @@ TEST(OperatorFile, KeepsTheFilesOrderAndLines) {
     file.forEach([&](const Operator& candidate) {
         found.push_back(candidate.name());
         for (const OperatorEntry& entry : candidate.entries) {
-            found.push_back(std::to_string(entry.line) + entry.params.getApnName());
+            found.push_back(std::to_string(entry.line) + entry.apnName());
         }
     });
     EXPECT_THAT(found, testing::ElementsAre("001/02", "2one", "4three", "001/01 spn:Zwei", "3two",
@@ -222,7 +222,7 @@ TEST(OperatorFile, EntriesOfALargeFileAreFoundAgain) {
         ASSERT_EQ(each.entries.size(), kRounds);
         for (unsigned round = 0; round < kRounds; ++round) {
             const unsigned i = round * kOperators + number;
-            ASSERT_EQ(each.entries[round].params.getApnName(), std::to_string(i));
+            ASSERT_EQ(each.entries[round].apnName(), std::to_string(i));
             ASSERT_EQ(each.entries[round].line, i + 2U);
         }
         ++number;

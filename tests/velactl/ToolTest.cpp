@@ -148,7 +148,7 @@ TEST(Text, ShowsWhatATerminalMayShowAndEscapesTheRest) {
     // A control character, one that turns the writing, an overlong one, a surrogate, a cut one.
     EXPECT_EQ(printable("\x07\xE2\x80\xAE\xC0\xAF\xED\xA0\x80\xE2\x82"),
               "\\x07\\xe2\\x80\\xae\\xc0\\xaf\\xed\\xa0\\x80\\xe2\\x82");
-    EXPECT_EQ(counted(1234567, "entry"), "1,234,567 entries");
+    EXPECT_EQ(counted(1234567, "entry"), "1234567 entries");
 }
 
 TEST_F(Tool, AnswersWithOneDocumentHoweverItEnds) {

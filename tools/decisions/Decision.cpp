@@ -4,7 +4,6 @@
 
 #include <utility>
 
-#include "decisions/Conclusion.h"
 #include "decisions/Facts.h"
 #include "decisions/Story.h"
 #include "profiles/Words.h"
@@ -64,35 +63,6 @@ Json whyUnsent(const Json& step) {
     return step["known"].is_null() ? "settings_unknown" : "nothing_to_change";
 }
 
-/** The entries that a policy was called with. */
-Json entriesOf(const vela::PolicyCall& policy) {
-    Json list = Json::array();
-    const auto add = [&](const vela::ProfileParams& params, vela::TechType tech) {
-        Json& entry = list.emplace_back(Json::object());
-        if (policy.policy != vela::Policy::ApnTypesMasks) {  // which is of both
-            entry["technology"] = word(tech);
-        }
-        if (policy.policy == vela::Policy::LteAttachMatch) {
-            entry["index"] = policy.profileId;
-        }
-        entry.update(toJson(params, true));
-    };
-    if (policy.params != nullptr) {
-        add(*policy.params, policy.techType);
-    }
-    if (policy.profiles != nullptr) {
-        for (const vela::ProfileParams& params : *policy.profiles) {
-            add(params, vela::TechType::TECH_3GPP);
-        }
-    }
-    if (policy.profiles3gpp2 != nullptr) {
-        for (const vela::ProfileParams& params : *policy.profiles3gpp2) {
-            add(params, vela::TechType::TECH_3GPP2);
-        }
-    }
-    return list;
-}
-
 }  // namespace
 
 // --- the run
@@ -134,18 +104,6 @@ std::string Decision::refusal() const {
     return outcome == "no-match" ? "the library says no: " + wordsOf(document["why_not"])
            : outcome == "none"   ? "no profile"
                                  : "";
-}
-
-std::vector<std::string> Decision::lines(bool showSecrets) const {
-    return storyOf(toJson(showSecrets));
-}
-
-Json Decision::toJson(bool showSecrets) const {
-    Json copy = document;
-    if (!showSecrets) {
-        maskSecrets(copy);
-    }
-    return copy;
 }
 
 /** Waits until the library rests. The steps since the last call. */
@@ -212,22 +170,19 @@ Json Decision::knownOf(const Json& place) const {
     return {};
 }
 
-Json Decision::searchOf(const vela::FilterProfileParams& filter) const {
-    const Json policy = document.value("policy", Json());
-    const bool isAll = policy == "apn-class" || policy == "type-mask";
-    return {{"asked", askedOf(filter)},
-            {"loosely", loosenessOf(filter)},
-            {"meant", isAll ? "all" : "first"},
-            {"candidates", Json::array()}};
-}
-
 Json Decision::stepOf(const vela::ClientRequest& request) const {
     Json step{{"kind", nameOf(request.getRequestType())}};
+    const auto search = [&](const vela::FilterProfileParams& filter) {
+        const Json policy = document.value("policy", Json());
+        const bool isAll = policy == "apn-class" || policy == "type-mask";
+        step.update(searchOf(filter));
+        step.update({{"meant", isAll ? "all" : "first"}, {"candidates", Json::array()}});
+    };
     if (const auto* filter = dynamic_cast<const vela::FilterRequest*>(&request)) {
-        step.update(searchOf(filter->getFilterParams()));
+        search(filter->getFilterParams());
     } else if (const auto* match = dynamic_cast<const vela::MatchRequest*>(&request)) {
         setPlaceOf(step, match->getMatchKey().get());
-        step.update(searchOf(match->getMatchParams()));
+        search(match->getMatchParams());
     } else if (const auto* get = dynamic_cast<const vela::GetRequest*>(&request)) {
         setPlaceOf(step, get->getProfileKey().get());
         step.update({{"profile", Json()}, {"passed_over", false}});
@@ -254,24 +209,9 @@ Json Decision::stepOf(const vela::ClientRequest& request) const {
 void Decision::onSearch(const vela::ClientRequest& request,
                         const std::vector<vela::ProfileCandidate>& candidates) {
     const auto searching = open.find(&request);
-    if (searching == open.end()) {
-        return;
-    }
-    Json& step = searching->second;
-    Json first;
-    for (const vela::ProfileCandidate& candidate : candidates) {
-        const Json profile = profileOf(candidate.profile);
-        const bool isFirst = candidate.fits() && first.is_null();
-        step["candidates"].push_back(
-            {{"readable", candidate.profile.has_value()},
-             {"fits", candidate.fits()},
-             {"first", isFirst},
-             {"mismatches", mismatchesOf(candidate, step["asked"])},
-             {"differs_from_first", candidate.fits() && !isFirst
-                                        ? differencesOf(profile, first, "first_has", true)
-                                        : Json::object()},
-             {"profile", profile}});
-        first = isFirst ? profile : first;
+    if (searching != open.end()) {
+        Json& step = searching->second;
+        step["candidates"] = candidatesOf(candidates, step["asked"]);
     }
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "decisions/Story.h"
 #include "modem/Workbench.h"
 
 namespace velactl {
@@ -39,11 +40,11 @@ class Decision : private vela::Observer {
      * refused, with its reason. */
     const std::vector<std::string>& failures() const { return reasons; }
 
-    /** The story for people. */
-    std::vector<std::string> lines(bool showSecrets) const;
-
     /** The whole record, as docs/decisions.md describes it. */
-    Json toJson(bool showSecrets) const;
+    Json toJson(bool showSecrets) const { return masked(document, showSecrets); }
+
+    /** The story of that for people. */
+    std::vector<std::string> lines(bool showSecrets) const { return storyOf(toJson(showSecrets)); }
 
   private:
     void onRequest(const vela::ClientRequest& request) override;
@@ -60,7 +61,6 @@ class Decision : private vela::Observer {
     Json take();
     void conclude(bool isReleased, Json releaseSteps);
     Json stepOf(const vela::ClientRequest& request) const;
-    Json searchOf(const vela::FilterProfileParams& filter) const;
     Json knownOf(const Json& place) const;
     Json changesSince();
     void noteOthersChanges();

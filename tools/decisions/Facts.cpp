@@ -2,7 +2,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "decisions/Facts.h"
 
+#include <algorithm>
 #include <string>
+#include <utility>
 
 #include "profiles/Words.h"
 
@@ -19,14 +21,23 @@ const char* nameIn(const char* const (&names)[size], decltype(last) value) {
 }
 
 const char* nameOf(vela::MessageOutcome outcome) {
-    constexpr const char* kNames[]{"answered", "refused", "timed_out", "not_sent", "lost"};
-    return nameIn<vela::MessageOutcome::Lost>(kNames, outcome);
+    return nameIn<vela::MessageOutcome::Lost>(
+        {"answered", "refused", "timed_out", "not_sent", "lost"}, outcome);
 }
 
 const char* nameOf(vela::ProfileChangedEvent event) {
-    constexpr const char* kNames[]{"created", "deleted", "changed", "subscription_changed",
-                                   "profiles_ready"};
-    return nameIn<vela::ProfileChangedEvent::ProfileReady>(kNames, event);
+    return nameIn<vela::ProfileChangedEvent::ProfileReady>(
+        {"created", "deleted", "changed", "subscription_changed", "profiles_ready"}, event);
+}
+
+/** A profile as the observer is told of it; null when the library could not read it. */
+Json profileOf(const std::optional<vela::ProfileImage>& image) {
+    if (!image) {
+        return {};
+    }
+    Json profile = toJson(recordOf(*image), true);
+    profile["made_by_this_process"] = image->isVelaCreated;
+    return profile;
 }
 
 /** What was written, as the modem gets it: of the IP types those that it keeps. */
@@ -45,23 +56,57 @@ Json sentOf(const vela::ProfileImage& image, bool isNew) {
     return sent;
 }
 
+const ProfileRecord* recordAt(const ProfileRecords& records, const Json& place) {
+    return findRecord(records, readTech("", place["technology"].get<std::string>()),
+                      place["index"].get<int>());
+}
+
+/** The latest request that says whether a profile is the one that is wanted. */
+Json lastQuestion(const Json& steps) {
+    const auto found = std::find_if(steps.rbegin(), steps.rend(), [](const Json& step) {
+        return step["kind"] == "search" || step["kind"] == "read" || step["kind"] == "compare";
+    });
+    return found == steps.rend() ? Json() : *found;
+}
+
+/** Its `creation`, and by which criteria it was found or compared. */
+Json originOf(const Json& place, const Json& steps) {
+    Json compared = Json::array();
+    const char* creation = "before";
+    for (const Json& step : steps) {
+        if (step["kind"] == "create" && isAt(step, place)) {
+            return {{"creation", "this_process_now"}, {"compared", Json::array()}};
+        }
+        for (const Json& candidate : step.value("candidates", Json::array())) {
+            const Json& profile = candidate["profile"];
+            if (isAt(profile, place) && (candidate["first"] == true || step["kind"] == "compare")) {
+                compared = Json::array();
+                for (const auto& item : step["asked"].items()) {
+                    compared.push_back(item.key());
+                }
+                creation =
+                    profile["made_by_this_process"] == true ? "this_process_before" : "before";
+            }
+        }
+    }
+    return {{"creation", creation}, {"compared", compared}};
+}
+
 }  // namespace
 
 const char* nameOf(vela::Policy policy) {
-    constexpr const char* kNames[]{"attach",    "match-attach", "data-call", "emergency",
-                                   "apn-class", "apn-class",    "type-mask"};
-    return nameIn<vela::Policy::ApnTypesMasks>(kNames, policy);
+    return nameIn<vela::Policy::ApnTypesMasks>(
+        {"attach", "match-attach", "data-call", "emergency", "apn-class", "apn-class", "type-mask"},
+        policy);
 }
 
 const char* nameOf(vela::ReqRespType type) {
-    constexpr const char* kNames[]{"create",  "modify", "delete",  "search",
-                                   "compare", "read",   "release", "refresh"};
-    return nameIn<vela::ReqRespType::Refresh>(kNames, type);
+    return nameIn<vela::ReqRespType::Refresh>(
+        {"create", "modify", "delete", "search", "compare", "read", "release", "refresh"}, type);
 }
 
 const char* nameOf(vela::ServiceState state) {
-    constexpr const char* kNames[]{"up", "down", "connect_failed"};
-    return nameIn<vela::ServiceState::ConnectFailed>(kNames, state);
+    return nameIn<vela::ServiceState::ConnectFailed>({"up", "down", "connect_failed"}, state);
 }
 
 void setPlace(Json& object, vela::TechType tech, int index) {
@@ -74,19 +119,34 @@ bool isAt(const Json& profile, const Json& place) {
            profile.value("index", Json()) == place["index"];
 }
 
-Json askedOf(const vela::FilterProfileParams& filter) {
-    Json asked = Json::object();
-    if (filter.hasFilterByTechType()) {
-        asked["technology"] = word(filter.getFilterByTechType());
+Json entriesOf(const vela::PolicyCall& policy) {
+    using enum vela::Policy;
+    Json list = Json::array();
+    const auto add = [&](const vela::ProfileParams& params, vela::TechType tech) {
+        Json& entry = list.emplace_back(Json::object());
+        if (policy.policy != ApnTypesMasks) {  // which is of both
+            entry["technology"] = word(tech);
+        }
+        if (policy.policy == LteAttachMatch) {
+            entry["index"] = policy.profileId;
+        }
+        entry.update(toJson(params, true));
+    };
+    if (policy.params != nullptr) {
+        add(*policy.params, policy.techType);
     }
-    if (filter.hasFilterByProfileId()) {
-        asked["index"] = filter.getFilterByProfileId();
+    for (const auto& [entries, tech] : {std::pair(policy.profiles, vela::TechType::TECH_3GPP),
+                                        {policy.profiles3gpp2, vela::TechType::TECH_3GPP2}}) {
+        if (entries != nullptr) {
+            for (const vela::ProfileParams& params : *entries) {
+                add(params, tech);
+            }
+        }
     }
-    asked.update(toJson(filter, true));
-    return asked;
+    return list;
 }
 
-Json loosenessOf(const vela::FilterProfileParams& filter) {
+Json searchOf(const vela::FilterProfileParams& filter) {
     using enum vela::FilterMatchCriteria;
     struct Way {
         vela::FilterMatchCriteria bit;
@@ -97,51 +157,51 @@ Json loosenessOf(const vela::FilterProfileParams& filter) {
         {HomeIPSubset, "home_ip", "wider"}, {HomeIPSuperset, "home_ip", "narrower"},
         {RoamIPSubset, "roam_ip", "wider"}, {RoamIPSuperset, "roam_ip", "narrower"},
         {ApnNameSubset, "apn", "longer"},   {ApnTypeBitmaskSubset, "types", "more"}};
+    Json asked = Json::object();
+    if (filter.hasFilterByTechType()) {
+        asked["technology"] = word(filter.getFilterByTechType());
+    }
+    if (filter.hasFilterByProfileId()) {
+        asked["index"] = filter.getFilterByProfileId();
+    }
+    asked.update(toJson(filter, true));
     Json ways = Json::object();
     for (const Way& way : kWays) {
         if ((filter.getFilterMatchCriteria() & toMask(way.bit)) != 0) {
             ways[way.field].push_back(way.word);
         }
     }
-    return ways;
+    return {{"asked", asked}, {"loosely", ways}};
 }
 
-Json profileOf(const std::optional<vela::ProfileImage>& image) {
-    if (!image) {
-        return {};
-    }
-    Json profile = toJson(recordOf(*image), true);
-    profile["made_by_this_process"] = image->isVelaCreated;
-    return profile;
-}
-
-Json mismatchesOf(const vela::ProfileCandidate& candidate, const Json& asked) {
-    const Json profile = profileOf(candidate.profile);
-    Json mismatches = Json::object();
-    for (const vela::FilterCriterion criterion : candidate.mismatches) {
-        const std::string key = criterionName(criterion);
-        mismatches[key] = {{"has", profile.value(key, Json())},
-                           {"asked", asked.value(key, Json())}};
-    }
-    return mismatches;
-}
-
-Json differencesOf(const Json& first, const Json& second, const char* name, bool all) {
-    Json differences = Json::object();
-    for (const ProfileField& field : profileFields()) {
-        const Json has = first.value(field.key, Json());
-        const Json other = second.value(field.key, Json());
-        if ((all || !other.is_null()) && !isSame(field, first, second)) {
-            differences[field.key] = {{"has", has}, {name, other}};
+Json candidatesOf(const std::vector<vela::ProfileCandidate>& candidates, const Json& asked) {
+    Json list = Json::array();
+    Json first;
+    for (const vela::ProfileCandidate& candidate : candidates) {
+        const Json profile = profileOf(candidate.profile);
+        const bool isFirst = candidate.fits() && first.is_null();
+        Json mismatches = Json::object();
+        for (const vela::FilterCriterion criterion : candidate.mismatches) {
+            const std::string key = criterionName(criterion);
+            mismatches[key] = {{"has", profile.value(key, Json())},
+                               {"asked", asked.value(key, Json())}};
         }
+        list.push_back(
+            {{"readable", candidate.profile.has_value()},
+             {"fits", candidate.fits()},
+             {"first", isFirst},
+             {"mismatches", mismatches},
+             {"differs_from_first", candidate.fits() && !isFirst
+                                        ? differencesOf(profile, first, "has", "first_has")
+                                        : Json::object()},
+             {"profile", profile}});
+        first = isFirst ? profile : first;
     }
-    return differences;
+    return list;
 }
 
 Json messageOf(const vela::ModemMessage& message, const Backend& modem) {
     const std::string reason = failureOf(message, modem);
-    const vela::ProfileImage* written = isWrite(message) ? message.profile : nullptr;
-    const vela::ProfileImage* read = isWrite(message) ? nullptr : message.profile;
     const bool isNew = message.type == vela::ModemMessageType::CreateProfile;
     Json json{{"message", nameOf(message.type)}};
     setPlace(json, message.techType, message.profileId);
@@ -150,8 +210,10 @@ Json messageOf(const vela::ModemMessage& message, const Backend& modem) {
     json["reason"] = reason.empty() ? Json() : Json(reason);
     json["microseconds"] =
         std::chrono::duration_cast<std::chrono::microseconds>(message.duration).count();
-    json["sent"] = written == nullptr ? Json() : sentOf(*written, isNew);
-    json["read"] = read == nullptr ? Json() : profileOf(*read);
+    const bool isWritten = message.profile != nullptr && isWrite(message);
+    const bool isRead = message.profile != nullptr && !isWrite(message);
+    json["sent"] = isWritten ? sentOf(*message.profile, isNew) : Json();
+    json["read"] = isRead ? profileOf(*message.profile) : Json();
     return json;
 }
 
@@ -171,15 +233,95 @@ Json changesOf(const std::optional<ProfileRecords>& before,
     return before && after ? changesBetween(*before, *after, true) : Json::array();
 }
 
-void maskSecrets(Json& document) {
-    const auto leaves = nlohmann::json(document).flatten();
-    for (const auto& item : leaves.items()) {
-        const bool isSecret = item.key().find("password") != std::string::npos;
-        if (isSecret && item.value().is_string() &&
-            !item.value().get_ref<const std::string&>().empty()) {
-            document[Json::json_pointer(item.key())] = "***";
+Json takenOf(const Json& document, const Json& yielded, const ProfileRecords& profiles) {
+    const Json last = lastQuestion(document["steps"]);
+    const bool isCompared = last.is_object() && last["kind"] == "compare";
+    if (yielded.is_null() && !isCompared) {
+        return {};
+    }
+    const Json& place = isCompared ? last : yielded;
+    const ProfileRecord* record = recordAt(profiles, place);
+    const Json profile = record == nullptr ? Json() : toJson(*record, true);
+    Json taken{{"technology", place["technology"]}, {"index", place["index"]}};
+    taken.update(originOf(place, document["steps"]));
+    const Json& compared = taken["compared"];
+    const Json differences =
+        record == nullptr ? Json::object()
+                          : differencesOf(profile, document["asked"].front(), "has", "asked");
+    Json unknown = Json::array();
+    Json told = Json::object();
+    for (const auto& item : differences.items()) {
+        // The library never reads the password of a 3GPP2 profile back.
+        if (item.key() == "password" && item.value()["has"].is_null() &&
+            place["technology"] == "3GPP2" && document["table_seen"] == false) {
+            unknown.push_back(item.key());
+        } else if (!item.value()["asked"].is_null()) {
+            told[item.key()] = item.value();
+            told[item.key()]["compared"] =
+                std::count(compared.begin(), compared.end(), item.key()) != 0;
         }
     }
+    taken.update({{"unknown", unknown}, {"differs_from_asked", told}, {"profile", profile}});
+    return taken;
+}
+
+std::string outcomeOf(const Json& document, bool matches, bool hasFailed) {
+    const Json& policy = document["policy"];
+    if (policy == "match-attach") {
+        return matches ? "matches" : "no-match";
+    }
+    if (policy == "apn-class" || policy == "type-mask") {
+        return hasFailed ? "refused" : "done";
+    }
+    return document["taken"].is_null()                           ? "none"
+           : document["taken"]["creation"] == "this_process_now" ? "created"
+                                                                 : "found";
+}
+
+Json whyNotOf(const Json& document, const std::optional<ProfileRecords>& table) {
+    const Json last = lastQuestion(document["steps"]);
+    if (document["outcome"] != "no-match" || last.is_null()) {
+        return {};
+    }
+    if (last["kind"] == "read") {
+        return last["profile"].is_null() ? "not_readable" : "not_for_attach";
+    }
+    if (last["answer"] != "success") {
+        return last["answer"] == "failure" ? "refresh_awaited" : "unknown";
+    }
+    const Json& candidates = last["candidates"];
+    const bool isAllRead = std::all_of(candidates.begin(), candidates.end(),
+                                       [](const Json& one) { return one["readable"] == true; });
+    if (last["kind"] == "compare") {
+        return isAllRead && !candidates.empty() ? "does_not_fit" : "not_readable";
+    }
+    // One of those that could not be read may be it.
+    if (isAllRead || (table && recordAt(*table, last["asked"]) == nullptr)) {
+        return "no_such_profile";
+    }
+    return table ? "not_readable" : "unknown";
+}
+
+Json leftBehindOf(const Json& document, const std::optional<ProfileRecords>& table) {
+    if (!table) {
+        return {};
+    }
+    Json list = Json::array();
+    for (const Json& step : document["steps"]) {
+        const bool isHeld = step["kind"] == "create" && !step["index"].is_null() &&
+                            (document["is_released"] == false || step["persistent"] == true);
+        if (step["kind"] != "create" || isHeld) {
+            continue;
+        }
+        for (const Json& message : step["messages"]) {
+            for (const Json& change : message["changes"]) {
+                if (change["change"] == "created" && recordAt(*table, change) != nullptr) {
+                    list.push_back(change);
+                }
+            }
+        }
+    }
+    return list;
 }
 
 }  // namespace velactl

@@ -1,12 +1,14 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the observer is told, as JSON in the words of docs/decisions.md, secrets in clear.
+// What the observer is told, and what that has come to, as JSON in the words of docs/decisions.md,
+// secrets in clear.
 #pragma once
 
 #include <vela/Observer.h>
 
 #include <optional>
+#include <vector>
 
 #include "modem/Traffic.h"
 #include "profiles/ProfileRecord.h"
@@ -23,22 +25,11 @@ void setPlace(Json& object, vela::TechType tech, int index);
 /** Whether a profile, or a step, is of this place. */
 bool isAt(const Json& profile, const Json& place);
 
-/** All that a filter asks for, by field. */
-Json askedOf(const vela::FilterProfileParams& filter);
-
-/** The looser ways of comparing that a filter allows, by field. */
-Json loosenessOf(const vela::FilterProfileParams& filter);
-
-/** A profile as the observer is told of it; null when the library could not read it. */
-Json profileOf(const std::optional<vela::ProfileImage>& image);
-
-/** The criteria that a candidate does not meet, with what it has and what was asked. */
-Json mismatchesOf(const vela::ProfileCandidate& candidate, const Json& asked);
-
-/** The fields in which two differ: what the first has, and under `name` what the second has. Those
- * that the second lacks only if `all`. */
-Json differencesOf(const Json& first, const Json& second, const char* name, bool all);
-
+/** The entries that a policy was called with. */
+Json entriesOf(const vela::PolicyCall& policy);
+/** What a filter asks for, and how loosely. */
+Json searchOf(const vela::FilterProfileParams& filter);
+Json candidatesOf(const std::vector<vela::ProfileCandidate>& candidates, const Json& asked);
 Json messageOf(const vela::ModemMessage& message, const Backend& modem);
 Json indicationOf(const vela::ModemIndication& indication);
 
@@ -46,7 +37,18 @@ Json indicationOf(const vela::ModemIndication& indication);
 Json changesOf(const std::optional<ProfileRecords>& before,
                const std::optional<ProfileRecords>& after);
 
-/** Masks all passwords in a document. */
-void maskSecrets(Json& document);
+/** The profile at the place that was yielded, or that a match was about, how it came to be, and in
+ * what it differs from what was asked for; null when there is none. */
+Json takenOf(const Json& document, const Json& yielded, const ProfileRecords& profiles);
+
+/** found, created, none; matches, no-match; done, refused. */
+std::string outcomeOf(const Json& document, bool matches, bool hasFailed);
+
+/** Why the answer to a match is no; null when it is not. */
+Json whyNotOf(const Json& document, const std::optional<ProfileRecords>& table);
+
+/** What the policy has made, that is still in the modem, and that nobody holds; null where the
+ * modem's table cannot be seen. */
+Json leftBehindOf(const Json& document, const std::optional<ProfileRecords>& table);
 
 }  // namespace velactl

@@ -5,41 +5,28 @@
 #include <algorithm>
 #include <utility>
 
-#include "profiles/Text.h"
-
 namespace velactl {
 
 namespace {
 
 // --- parts of the document in words
 
-std::string valueText(const Json& value) {
-    switch (value.type()) {
-        case Json::value_t::null:
-            return "not set";
-        case Json::value_t::string:
-            return value.get_ref<const std::string&>().empty()
-                       ? "\"\""
-                       : printable(value.get_ref<const std::string&>());
-        case Json::value_t::boolean:
-            return value.get<bool>() ? "yes" : "no";
-        case Json::value_t::array:
-            return value.empty() ? "none" : join(value.get<std::vector<std::string>>(), ",");
-        default:
-            return value.dump();
-    }
+std::string fieldText(const std::string& key, const Json& value) {
+    const ProfileField* field = value.is_boolean() ? nullptr : fieldNamed(key);
+    const std::string text = field == nullptr ? valueText(value) : valueText(*field, value);
+    return orAbsent(value.is_null() ? Json() : Json(text), "not set");
 }
 
 /** "apn=internet, home_ip=IPv4 (or wider)"; `loosely` says what is compared how. */
 std::string fieldsText(const Json& object, const Json& loosely = Json::object()) {
-    std::vector<std::string> parts;
+    Names parts;
     for (const auto& item : object.items()) {
         if (item.key().find("_hex") != std::string::npos) {
             continue;
         }
-        parts.push_back(item.key() + '=' + valueText(item.value()));
+        parts.push_back(item.key() + '=' + fieldText(item.key(), item.value()));
         if (loosely.contains(item.key())) {
-            const auto ways = loosely[item.key()].get<std::vector<std::string>>();
+            const auto ways = loosely[item.key()].get<Names>();
             parts.back() += " (or " + alternatives(ways) + ')';
         }
     }
@@ -48,15 +35,15 @@ std::string fieldsText(const Json& object, const Json& loosely = Json::object())
 
 /** "user is you, asked for me"; `other` is the second value's member, `between` stands before it.
  */
-std::vector<std::string> differenceTexts(const Json& differences, const char* other,
-                                         const std::string& between) {
-    std::vector<std::string> texts;
+Names differenceTexts(const Json& differences, const char* other, const std::string& between) {
+    Names texts;
     for (const auto& item : differences.items()) {
         const Json& has = item.value()["has"];
         const Json& wanted = item.value()[other];
         texts.push_back(has == wanted  // both are masked
                             ? "another " + item.key()
-                            : item.key() + " is " + valueText(has) + between + valueText(wanted));
+                            : item.key() + " is " + fieldText(item.key(), has) + between +
+                                  fieldText(item.key(), wanted));
     }
     return texts;
 }
@@ -78,7 +65,7 @@ std::string ipText(const Json& candidate) {
 }
 
 std::string makerText(const Json& profile) {
-    return profile.contains("made_by") ? "made by " + valueText(profile["made_by"])
+    return profile.contains("made_by") ? "made by " + fieldText("made_by", profile["made_by"])
                                        : "made by nobody knows whom";
 }
 
@@ -90,7 +77,7 @@ std::string passedOver(const Json& step, const char* words) {
 
 /** The lines so far, each indented by the depth of what it tells. */
 struct Lines {
-    std::vector<std::string> lines;
+    Names lines;
 
     void add(std::size_t depth, const std::string& text) {
         lines.push_back(std::string(2 * depth, ' ') + text);
@@ -124,38 +111,28 @@ void tellCandidate(Lines& to, const Json& candidate, bool isMeant) {
     }
 }
 
-void tellCandidates(Lines& to, const Json& step) {
-    for (const Json& candidate : step["candidates"]) {
-        tellCandidate(to, candidate, candidate["first"] == true || step["meant"] == "all");
-    }
-}
-
-void tellSearch(Lines& to, const Json& step) {
+/** Of a search, or of one profile that is compared. */
+void tellQuestion(Lines& to, const Json& step) {
     const Json& candidates = step["candidates"];
+    const std::string asked = fieldsText(step["asked"], step["loosely"]);
     const auto fitting = std::count_if(candidates.begin(), candidates.end(),
                                        [](const Json& entry) { return entry["fits"] == true; });
-    const std::string result = step["answer"] != "success"
-                                   ? "the library did not search"
-                                   : (fitting == 0 ? "none" : std::to_string(fitting)) + " of " +
-                                         counted(candidates.size(), "profile");
-    to.add(1, "searched for " + fieldsText(step["asked"], step["loosely"]) + ": " + result);
+    if (step["kind"] == "compare") {
+        to.add(1, titleOf(step) + " is compared with " + asked +
+                      (step["matches"] == true ? ": it fits" : ": it does not fit"));
+    } else {
+        to.add(1, "searched for " + asked + ": " +
+                      (step["answer"] != "success"
+                           ? "the library did not search"
+                           : (fitting == 0 ? "none" : std::to_string(fitting)) + " of " +
+                                 counted(candidates.size(), "profile")));
+    }
     if (fitting > 1 && step["meant"] == "first") {
         to.add(2, "the first of the library's list counts; the order of the list is arbitrary");
     }
-    tellCandidates(to, step);
-}
-
-void tellCompare(Lines& to, const Json& step) {
-    to.add(1, titleOf(step) + " is compared with " + fieldsText(step["asked"], step["loosely"]) +
-                  (step["matches"] == true ? ": it fits" : ": it does not fit"));
-    tellCandidates(to, step);
-}
-
-void tellRead(Lines& to, const Json& step) {
-    const Json& profile = step["profile"];
-    to.add(1, titleOf(step, profile) +
-                  (profile.is_null() ? " cannot be read" : " is looked at: " + makerText(profile)) +
-                  passedOver(step, ", and so passed over"));
+    for (const Json& candidate : candidates) {
+        tellCandidate(to, candidate, candidate["first"] == true || step["meant"] == "all");
+    }
 }
 
 /** What became of a message; `known` is what the library knew before. */
@@ -178,13 +155,22 @@ void tellSent(Lines& to, const Json& message, const Json& known) {
     }
 }
 
-void tellMessage(Lines& to, const Json& message) {
-    tellSent(to, message, {});
+/** What a request to write was to do. */
+std::string aimOf(const Json& step) {
+    if (step["kind"] == "release") {
+        return "a key of " + titleOf(step) + " is let go";
+    }
+    const std::string fields = fieldsText(step["requested"]);
+    return step["kind"] == "modify"
+               ? titleOf(step, step["known"]) + " is to get " + fields
+               : (step["persistent"] == true ? "a persistent " : "a temporary ") +
+                     step["technology"].get<std::string>() + " profile" +
+                     (step["for_attach"] == true ? " for the attach" : "") +
+                     " is to be created: " + fields;
 }
 
-/** How a request to write went, behind what it was to do. */
-void tellWrite(Lines& to, const Json& step, const std::string& aim) {
-    to.add(1, aim);
+void tellWrite(Lines& to, const Json& step) {
+    to.add(1, aimOf(step));
     if (const Json left = step.value("not_written", Json::array()); !left.empty()) {
         to.add(2, "not written, as a " + step["technology"].get<std::string>() +
                       " profile does not hold it: " + valueText(left));
@@ -197,52 +183,29 @@ void tellWrite(Lines& to, const Json& step, const std::string& aim) {
     }
 }
 
-void tellCreate(Lines& to, const Json& step) {
-    tellWrite(to, step,
-              (step["persistent"] == true ? "a persistent " : "a temporary ") +
-                  step["technology"].get<std::string>() + " profile" +
-                  (step["for_attach"] == true ? " for the attach" : "") +
-                  " is to be created: " + fieldsText(step["requested"]));
-}
-
-void tellModify(Lines& to, const Json& step) {
-    tellWrite(to, step,
-              titleOf(step, step["known"]) + " is to get " + fieldsText(step["requested"]));
-}
-
-void tellRelease(Lines& to, const Json& step) {
-    tellWrite(to, step, "a key of " + titleOf(step) + " is let go");
-}
-
-void tellMeanwhile(Lines& to, const Json& step) {
-    tellChanges(to, 1, "meanwhile, by no write that the library knows of: ", step["changes"]);
-}
-
-void tellIndication(Lines& to, const Json& step) {
-    to.add(1, "the library takes a report of the modem for a change by others: " +
-                  wordsOf(step["change"]) + ", " + titleOf(step));
-}
-
-void tellService(Lines& to, const Json& step) {
-    to.add(1, "the modem's service: " + wordsOf(step["state"]));
-}
-
-void tellEntry(Lines& to, const Json& step) {
-    to.add(1, "entry " + fieldsText(step["asked"]) + passedOver(step, ": it is passed over"));
-}
-
-void tellSteps(Lines& to, const Json& steps) {
-    constexpr std::pair<const char*, void (*)(Lines&, const Json&)> kKinds[]{
-        {"search", tellSearch},         {"compare", tellCompare}, {"read", tellRead},
-        {"create", tellCreate},         {"modify", tellModify},   {"release", tellRelease},
-        {"message", tellMessage},       {"service", tellService}, {"meanwhile", tellMeanwhile},
-        {"indication", tellIndication}, {"entry", tellEntry}};
-    for (const Json& step : steps) {
-        for (const auto& [kind, tell] : kKinds) {
-            if (step["kind"] == kind) {
-                tell(to, step);
-            }
-        }
+void tellStep(Lines& to, const Json& step) {
+    const Json& kind = step["kind"];
+    if (kind == "search" || kind == "compare") {
+        tellQuestion(to, step);
+    } else if (kind == "read") {
+        const Json& profile = step["profile"];
+        to.add(1, titleOf(step, profile) +
+                      (profile.is_null() ? " cannot be read"
+                                         : " is looked at: " + makerText(profile)) +
+                      passedOver(step, ", and so passed over"));
+    } else if (kind == "message") {
+        tellSent(to, step, {});
+    } else if (kind == "meanwhile") {
+        tellChanges(to, 1, "meanwhile, by no write that the library knows of: ", step["changes"]);
+    } else if (kind == "indication") {
+        to.add(1, "the library takes a report of the modem for a change by others: " +
+                      wordsOf(step["change"]) + ", " + titleOf(step));
+    } else if (kind == "service") {
+        to.add(1, "the modem's service: " + wordsOf(step["state"]));
+    } else if (kind == "entry") {
+        to.add(1, "entry " + fieldsText(step["asked"]) + passedOver(step, ": it is passed over"));
+    } else if (kind == "create" || kind == "modify" || kind == "release") {
+        tellWrite(to, step);
     }
 }
 
@@ -305,31 +268,16 @@ void tellResult(Lines& to, const Json& document) {
 
 }  // namespace
 
-std::string wordsOf(const Json& name) {
-    auto text = name.get<std::string>();
-    std::replace(text.begin(), text.end(), '_', ' ');
-    return text;
-}
-
-std::string titleOf(const Json& place, const Json& profile) {
-    if (place["index"].is_null()) {
-        return "a profile";
-    }
-    std::string number =
-        place["technology"].get<std::string>() + " profile " + place["index"].dump();
-    if (!profile.is_object()) {
-        return number;
-    }
-    const std::string name = profile.value("apn", "");
-    return number + " (" + (name.empty() ? "no APN name" : printable(name)) + ')';
-}
-
-std::vector<std::string> storyOf(const Json& document) {
+Names storyOf(const Json& document) {
     Lines story;
     tellAsked(story, document);
-    tellSteps(story, document["steps"]);
+    for (const Json& step : document["steps"]) {
+        tellStep(story, step);
+    }
     tellResult(story, document);
-    tellSteps(story, document["release_steps"]);
+    for (const Json& step : document["release_steps"]) {
+        tellStep(story, step);
+    }
     if (const Json& left = document["left_behind"]; !left.is_null()) {
         for (const Json& profile : left) {
             story.add(0, "Left behind: " + titleOf(profile, profile) + " is in the modem, " +

@@ -4,23 +4,16 @@
 
 #include <algorithm>
 #include <charconv>
-#include <optional>
 #include <string_view>
 #include <utility>
-#include <vector>
 
-#include "profiles/ProfileField.h"
 #include "profiles/Text.h"
-#include "profiles/Words.h"
 
 namespace velactl {
 
 namespace {
 
-using vela::ApnClass;
 using vela::ApnTypes;
-using vela::AuthType;
-using vela::IPType;
 
 // Words between spaces.
 constexpr std::string_view kWithoutField =
@@ -33,30 +26,6 @@ constexpr std::string_view kUsed =
 constexpr std::string_view kTypesWithoutBit = " vsim bip enterprise rcs oem_paid oem_private ";
 constexpr std::string_view kMvnoTypes = " spn imsi gid iccid ";
 constexpr unsigned int kTypesOfAny = 0xFF;  // default to cbs
-
-template <typename Value>
-using Choice = std::vector<std::pair<const char*, Value>>;
-
-const Choice<IPType> kProtocols{
-    {"", IPType::V4}, {"IP", IPType::V4}, {"IPV6", IPType::V6}, {"IPV4V6", IPType::V4V6}};
-const Choice<std::optional<AuthType>> kAuthTypes{{"", std::nullopt},    {"-1", std::nullopt},
-                                                 {"0", AuthType::NONE}, {"1", AuthType::PAP},
-                                                 {"2", AuthType::CHAP}, {"3", AuthType::PAP_CHAP}};
-const Choice<ApnClass> kClasses{{"", ApnClass::INET},
-                                {"0", ApnClass::INET},
-                                {"2", ApnClass::IMS},
-                                {"3", ApnClass::ADMN},
-                                {"4", ApnClass::APP}};
-const Choice<std::optional<bool>> kTranslations{
-    {"", std::nullopt}, {"-1", std::nullopt}, {"0", true}, {"1", false}};
-
-struct Limit {
-    const char* name;
-    void (vela::ProfileParams::*set)(int);
-};
-constexpr Limit kLimits[] = {{"max_conns", &vela::ProfileParams::setMaxPdnsConnPerBlock},
-                             {"max_conns_time", &vela::ProfileParams::setMaxPdnConnTimer},
-                             {"wait_time", &vela::ProfileParams::setPdnReqWaitInterval}};
 
 bool contains(std::string_view words, std::string_view word) {
     return words.find(' ' + std::string(word) + ' ') != std::string_view::npos;
@@ -123,27 +92,25 @@ class Reader {
         return std::string(name) + ' ' + inQuotes(text(name));
     }
 
-    /** Which of some words an attribute is; empty, and complained of, when it is another. */
-    template <typename Value>
-    std::optional<Value> choice(std::string_view name, const Choice<Value>& words,
-                                void (Reader::*complain)(std::string) = &Reader::note) {
-        std::vector<std::string> known;
-        for (const auto& [word, value] : words) {
-            if (sameLetters(trim(text(name)), word)) {
-                return value;
+    /** What one of some words stands for; null, and complained of, when it is another. */
+    Json choice(std::string_view name, const Json& words,
+                void (Reader::*complain)(std::string) = &Reader::note) {
+        Names known;
+        for (const auto& item : words.items()) {
+            if (sameLetters(trim(text(name)), item.key())) {
+                return item.value();
             }
-            known.emplace_back(word);
+            known.push_back(item.key());
         }
-        (this->*complain)(
-            cite(name) + " is not " +
-            alternatives({known.begin() + (known.front().empty() ? 1 : 0), known.end()}));
-        return std::nullopt;
+        known.erase(known.begin(), known.begin() + (known.front().empty() ? 1 : 0));
+        (this->*complain)(cite(name) + " is not " + alternatives(known));
+        return {};
     }
 
-    /** Only the word "true" counts. */
-    bool flag(std::string_view name, bool ifAbsent) {
-        const Choice<bool> words{{"true", true}, {"false", false}};
-        return trim(text(name)).empty() ? ifAbsent : choice(name, words).value_or(false);
+    void set(const char* field, const Json& value) {
+        if (!value.is_null()) {
+            entry.fields[field] = value;
+        }
     }
 
     void readNames() {
@@ -191,17 +158,18 @@ class Reader {
         } else if (toLower(name).find_first_not_of(kUsual) != std::string::npos) {
             note("unusual APN name " + inQuotes(name));
         }
-        entry.params.setApnName(std::string(name));
+        entry.fields["apn"] = name;
     }
 
     void readTypes() {
-        unsigned int mask = 0;
-        std::vector<std::string> lost;
+        const Words& known = wordsOf<ApnTypes>();
+        unsigned int& mask = entry.types;
+        Names lost;
         for (const std::string& name : split(text("type"), ',')) {
             if (name == "*") {
                 mask |= kTypesOfAny;
-            } else if (const auto type = typeNamed(name)) {
-                mask |= toMask(*type);
+            } else if (const auto place = placeOf(name, known.names)) {
+                mask |= static_cast<unsigned int>(known.numbers[*place]);
             } else if (!name.empty()) {
                 lost.push_back(printable(name));
                 note(contains(kTypesWithoutBit, toLower(name))
@@ -215,67 +183,63 @@ class Reader {
             mask = kTypesOfAny;
         }
         mask |= (mask & toMask(ApnTypes::DEFAULT)) != 0 ? toMask(ApnTypes::HIPRI) : 0U;
-        entry.types = mask;
-        if (entry.has(ApnTypes::EMERGENCY)) {
-            entry.params.setIsEmergencySupported(true);
+        if ((mask & toMask(ApnTypes::EMERGENCY)) != 0) {
+            set("emergency", true);
         }
     }
 
     void readIPTypes() {
-        if (const auto home = choice("protocol", kProtocols, &Reader::refuse)) {
-            entry.params.setHomeIPType(*home);
-        }
-        if (const auto roam = choice("roaming_protocol", kProtocols)) {
-            entry.params.setRoamIPType(*roam);
-        }
+        const Json words{{"", "IPv4"}, {"IP", "IPv4"}, {"IPV6", "IPv6"}, {"IPV4V6", "IPv4v6"}};
+        set("home_ip", choice("protocol", words, &Reader::refuse));
+        set("roam_ip", choice("roaming_protocol", words));
     }
 
     void readCredentials() {
-        const std::string_view user = text("user");
-        const std::string_view password = text("password");
-        if (std::max(user.size(), password.size()) > kMaxCredential) {
-            refuse("user or password of more than " + std::to_string(kMaxCredential) +
-                   " bytes: the modem keeps no more");
+        for (const char* name : {"user", "password"}) {
+            if (text(name).size() > kMaxCredential) {
+                refuse("user or password of more than " + std::to_string(kMaxCredential) +
+                       " bytes: the modem keeps no more");
+            }
+            set(name, text(name).empty() ? Json() : Json(text(name)));
         }
-        if (!user.empty()) {
-            entry.params.setUserName(std::string(user));
-        }
-        if (!password.empty()) {
-            entry.params.setPassword(std::string(password));
-        }
-        const auto given = choice("authtype", kAuthTypes).value_or(std::nullopt);
-        entry.params.setAuthType(
-            given.value_or(user.empty() ? AuthType::NONE : AuthType::PAP_CHAP));
+        set("auth", text("user").empty() ? "none" : "PAP_CHAP");
+        set("auth", choice("authtype", {{"", nullptr},
+                                        {"-1", nullptr},
+                                        {"0", "none"},
+                                        {"1", "PAP"},
+                                        {"2", "CHAP"},
+                                        {"3", "PAP_CHAP"}}));
     }
 
     void readClass() {
-        if (flag("modem_cognitive", false)) {
-            entry.apnClass = choice("profile_id", kClasses);
+        if (choice("modem_cognitive", {{"", false}, {"true", true}, {"false", false}}) == true) {
+            entry.apnClass =
+                choice("profile_id",
+                       {{"", "INET"}, {"0", "INET"}, {"2", "IMS"}, {"3", "ADMN"}, {"4", "APP"}});
         }
     }
 
     void readLimits() {
-        for (const Limit& limit : kLimits) {
-            const std::string_view digits = trim(text(limit.name));
+        for (const char* name : {"max_conns", "max_conns_time", "wait_time"}) {
+            const std::string_view digits = trim(text(name));
             const char* const end = digits.data() + digits.size();
             int value = -1;
             const auto [last, error] = std::from_chars(digits.data(), end, value);
             if (error == std::errc() && last == end && value >= 0 && value <= kMaxShort) {
-                (entry.params.*limit.set)(value);
+                set(name, value);
             } else if (!digits.empty()) {
-                note(cite(limit.name) + " is no number from 0 to " + std::to_string(kMaxShort));
+                note(cite(name) + " is no number from 0 to " + std::to_string(kMaxShort));
             }
         }
     }
 
     void readFlags() {
-        if (!flag("carrier_enabled", true)) {
-            entry.params.setIsApnDisabled(true);
+        if (choice("carrier_enabled", {{"", true}, {"true", true}, {"false", false}}) != true) {
+            set("disabled", true);
             note("disabled by the operator");
         }
-        if (const auto translates = choice("skip_464xlat", kTranslations).value_or(std::nullopt)) {
-            entry.params.setIsClatEnabled(*translates);
-        }
+        set("clat",
+            choice("skip_464xlat", {{"", nullptr}, {"-1", nullptr}, {"0", true}, {"1", false}}));
     }
 
     const Attributes& attributes;
@@ -284,15 +248,15 @@ class Reader {
 
 }  // namespace
 
-vela::ProfileParams OperatorEntry::profile(bool hasTypes, bool hasClass) const {
-    vela::ProfileParams result = params;
+Json OperatorEntry::wanted(bool hasTypes, bool hasClass) const {
+    Json all = fields;
     if (hasTypes) {
-        result.setApnTypesMask(types);
+        all["types"] = namesOf(types, wordsOf<ApnTypes>());
     }
-    if (hasClass && apnClass) {
-        result.setApnClass(*apnClass);
+    if (hasClass && !apnClass.is_null()) {
+        all["class"] = apnClass;
     }
-    return result;
+    return all;
 }
 
 std::string entryTitle(std::size_t line, const std::string& apnName, const std::string& carrier) {

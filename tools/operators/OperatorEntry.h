@@ -2,14 +2,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
-#include <vela/ProfileParams.h>
-
 #include <cstddef>
-#include <optional>
 #include <string>
-#include <vector>
 
 #include "operators/XmlReader.h"
+#include "profiles/ProfileField.h"
 
 namespace velactl {
 
@@ -31,25 +28,29 @@ struct OperatorEntry {
     /** "spn:name"; empty: of the host operator. */
     std::string mvno;
 
-    /** All but types and class, which are not one profile's affair: several entries may share an
-     * APN name, and a class has one owner. */
-    vela::ProfileParams params;
+    /** All that it asks of a profile but types and class, which are not one profile's affair:
+     * several entries may share an APN name, and a class has one owner. */
+    Json fields = Json::object();
     /** `ApnTypes` bits. */
     unsigned int types = 0;
-    std::optional<vela::ApnClass> apnClass;
+    /** In words; null: none. */
+    Json apnClass = {};
     /** Why this can be no profile; empty when it can. */
     std::string refusal;
     /** What is odd, or was left out or guessed. */
-    std::vector<std::string> notes;
+    Names notes;
     /** Attributes that say something for which a profile has no field. */
-    std::vector<std::string> notSent;
+    Names notSent;
 
     bool isUsable() const { return refusal.empty(); }
-    bool has(vela::ApnTypes type) const { return (types & toMask(type)) != 0; }
+    std::string apnName() const { return fields.value("apn", ""); }
 
     /** As one profile, with types and class or without. */
-    vela::ProfileParams profile(bool hasTypes, bool hasClass) const;
-    std::string title() const { return entryTitle(line, params.getApnName(), carrier); }
+    Json wanted(bool hasTypes, bool hasClass) const;
+    vela::ProfileParams profile(bool hasTypes, bool hasClass) const {
+        return paramsOf(wanted(hasTypes, hasClass));
+    }
+    std::string title() const { return entryTitle(line, apnName(), carrier); }
     static OperatorEntry read(const Attributes& attributes, std::size_t line);
     /** No more of it than whose it is. */
     static OperatorEntry readOperator(const Attributes& attributes);

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <map>
-#include <sstream>
 #include <utility>
 
 #include "operators/XmlReader.h"
@@ -32,7 +31,8 @@ class Some {
 
     std::string text(const char* separator = ", ") const {
         const std::size_t others = total - first.size();
-        return join(first, separator) + (others == 0 ? "" : " and " + grouped(others) + " more");
+        return join(first, separator) +
+               (others == 0 ? "" : " and " + std::to_string(others) + " more");
     }
 
   private:
@@ -43,8 +43,7 @@ class Some {
 
 using Row = std::vector<std::string>;
 
-// Entries of no operator have no codes. Attributes are names and values by turns, each with a NUL
-// behind it, which XML cannot contain.
+// Entries of no operator have no codes. Attributes are JSON.
 constexpr const char* kSetUp[] = {
     "PRAGMA journal_mode = OFF",
     "PRAGMA cache_size = -4096",
@@ -56,23 +55,6 @@ constexpr const char* kSetUp[] = {
 const std::string kOperators =
     "(SELECT mcc, mnc, mvno, carrier, min(rowid) AS first FROM entry WHERE mcc <> '' "
     "GROUP BY mcc, mnc, mvno)";
-
-std::string pack(const Attributes& attributes) {
-    std::string bytes;
-    for (const auto& [name, value] : attributes) {
-        bytes.append(name).append(1, '\0').append(value).append(1, '\0');
-    }
-    return bytes;
-}
-
-Attributes unpack(const std::string& bytes) {
-    Attributes attributes;
-    std::istringstream in(bytes);
-    for (std::string name, value; std::getline(in, name, '\0') && std::getline(in, value, '\0');) {
-        attributes.emplace_back(name, value);
-    }
-    return attributes;
-}
 
 }  // namespace
 
@@ -124,7 +106,8 @@ class OperatorFile::Database {
         run("SELECT line, attributes FROM entry WHERE mcc = ?1 AND mnc = ?2 AND mvno = ?3 "
             "ORDER BY rowid",
             owner, [&](const Row& row) {
-                visit(OperatorEntry::read(unpack(row[1]), std::stoul(row[0])));
+                visit(
+                    OperatorEntry::read(Json::parse(row[1]).get<Attributes>(), std::stoul(row[0])));
             });
     }
 
@@ -172,7 +155,7 @@ std::string Operator::name() const {
 const OperatorEntry* Operator::find(unsigned int types) const {
     const auto found =
         std::find_if(entries.begin(), entries.end(), [types](const OperatorEntry& entry) {
-            return entry.isUsable() && !entry.params.getIsApnDisabled() &&
+            return entry.isUsable() && !entry.fields.contains("disabled") &&
                    (entry.types & types) == types;
         });
     return found == entries.end() ? nullptr : &*found;
@@ -229,7 +212,7 @@ void OperatorFile::add(const XmlItem& item) {
     const OperatorEntry entry = OperatorEntry::readOperator(item.attributes);
     database->run("INSERT INTO entry VALUES (?1, ?2, ?3, ?4, ?5, ?6)",
                   {entry.mcc, entry.mnc, entry.mcc.empty() ? "" : entry.mvno,
-                   std::to_string(item.line), entry.carrier, pack(item.attributes)});
+                   std::to_string(item.line), entry.carrier, Json(item.attributes).dump()});
 }
 
 OperatorFile OperatorFile::load(const std::string& path, Progress* progress) {

@@ -15,11 +15,11 @@ namespace {
 
 /** "user=joe, home_ip=IPv6 instead of IPv4" */
 std::string differencesText(const Json& differences) {
-    std::vector<std::string> parts;
+    Names parts;
     for (const auto& [key, each] : differences.items()) {
         const ProfileField& field = *fieldNamed(key);
         const auto text = [&field](const Json& value) {
-            return value.is_null() ? "(absent)" : valueText(field, value, true);
+            return value.is_null() ? "(absent)" : valueText(field, value);
         };
         parts.push_back(key + '=' + text(each["held"]) +
                         (each["asked"].is_null() ? "" : " instead of " + text(each["asked"])));
@@ -58,16 +58,9 @@ const Phrases kProfile{{"technology", "%"},
                        {"left_over", ": %"}};
 
 std::string words(const Json& value) {
-    switch (value.type()) {
-        case Json::value_t::object:
-            return differencesText(value);
-        case Json::value_t::array:
-            return join(value.get<std::vector<std::string>>(), ", ");
-        case Json::value_t::string:
-            return printable(value.get_ref<const std::string&>());
-        default:
-            return value.dump();
-    }
+    return value.is_object()  ? differencesText(value)
+           : value.is_array() ? join(value.get<Names>(), ", ")
+                              : valueText(value);
 }
 
 bool isBlank(const Json& value) {
@@ -97,14 +90,14 @@ std::string remarks(const Json& entry, bool isExplained) {
 std::string entryText(const Json& entry, bool isExplained) {
     const Json& wanted = entry["wanted"];
     return entryTitle(entry["line"], wanted["apn"], entry["carrier"]) + " for " +
-           valueText(*fieldNamed("types"), wanted["types"], true) +
+           valueText(wanted["types"]) +
            (wanted.contains("class") ? ", class " + words(wanted["class"]) : "") + ": " +
            told(entry, kEntry) + remarks(entry, isExplained);
 }
 
 /** The profiles that serve no entry, and what they are. */
-std::vector<std::string> unusedProfiles(const Json& document) {
-    std::vector<std::string> lines;
+Names unusedProfiles(const Json& document) {
+    Names lines;
     for (const Json& profile : document["profiles"]) {
         if (profile["attach"] == false && profile["lines"].empty()) {
             lines.push_back(told(profile, kProfile));
@@ -120,7 +113,7 @@ std::size_t countOf(const Json& document, const std::string& outcome) {
                       [&](const Json& entry) { return entry["outcome"] == outcome; }));
 }
 
-void listUnder(Output& output, const std::string& heading, const std::vector<std::string>& lines) {
+void listUnder(Output& output, const std::string& heading, const Names& lines) {
     if (!lines.empty() && !heading.empty()) {
         output.line(heading);
     }
@@ -130,8 +123,8 @@ void listUnder(Output& output, const std::string& heading, const std::vector<std
 }
 
 /** What went wrong. */
-std::vector<std::string> failuresOf(const Json& document) {
-    std::vector<std::string> lines;
+Names failuresOf(const Json& document) {
+    Names lines;
     const Json& refusals = document["refusals"];
     const std::string last = refusals.empty() ? "" : ": " + words(refusals.back());
     const std::size_t missing = countOf(document, "missing");
@@ -147,8 +140,8 @@ std::vector<std::string> failuresOf(const Json& document) {
 }
 
 /** What is odd about the entries, the attach, the other profiles and the whole. */
-std::vector<std::string> odditiesOf(const Json& document, bool isExplained) {
-    std::vector<std::string> lines;
+Names odditiesOf(const Json& document, bool isExplained) {
+    Names lines;
     for (const Json& entry : document["entries"]) {
         if (entry["index"].is_null() || !remarks(entry, isExplained).empty()) {
             lines.push_back(entryText(entry, isExplained));
@@ -159,27 +152,20 @@ std::vector<std::string> odditiesOf(const Json& document, bool isExplained) {
     if (!isFine && attach["outcome"] != "missing") {
         lines.push_back("attach " + told(attach, kAttach));
     }
-    const auto wrong = document["wrong"].get<std::vector<std::string>>();
+    const auto wrong = document["wrong"].get<Names>();
     for (const auto& more : {unusedProfiles(document), failuresOf(document), wrong}) {
         lines.insert(lines.end(), more.begin(), more.end());
     }
     return lines;
 }
 
-/** How a run ended. */
-std::string summary(std::size_t changes, std::size_t requests) {
-    return (changes == 0 ? "Nothing changed"
-                         : counted(changes, "profile") + " created or changed") +
-           (requests == 0 ? "." : ", in " + counted(requests, "request") + '.');
-}
-
 /** What is wrong with a second run: it changed something, or tried more than to fill a full table.
  */
-std::vector<std::string> secondRun(Workbench& bench, const Operator& candidate) {
-    Provisioner again(bench, candidate, false);
+Names secondRun(Workbench& bench, const Operator& candidate) {
+    Provisioner again(bench, candidate);
     again.run();
     const Json document = again.document();
-    const auto changes = changesBetween(again.before, again.after, false);
+    const auto changes = changesBetween(again.before, again.after, true);
     if (changes.empty() && document["requests"] == document["refusals"].size()) {
         return {};
     }
@@ -188,15 +174,15 @@ std::vector<std::string> secondRun(Workbench& bench, const Operator& candidate) 
 }
 
 /** On a fresh modem; `wrong` are things that must not be. */
-Json provisionFresh(const Operator& candidate, const SurveyOptions& options, bool showSecrets) {
+Json provisionFresh(const Operator& candidate, const SurveyOptions& options) {
     Workbench bench(options.modem);
     if (bench.modem().keepsMemory()) {
         throw badUsage("provision --all uses fresh modems; this one keeps what it holds");
     }
-    Provisioner provisioner(bench, candidate, showSecrets);
+    Provisioner provisioner(bench, candidate);
     provisioner.run();
     Json document = provisioner.document();
-    document["wrong"] = options.isTwice ? secondRun(bench, candidate) : std::vector<std::string>();
+    document["wrong"] = options.isTwice ? secondRun(bench, candidate) : Names();
     for (const std::string& line : bench.disagreements()) {
         document["wrong"].push_back("library and modem disagree: " + line);
     }
@@ -226,7 +212,7 @@ std::size_t tellStrays(Output& output, const OperatorFile& file) {
                   {stray.title() + ": " + stray.refusal});
         output.listed("of_no_operator", {{"line", stray.line},
                                          {"carrier", stray.carrier},
-                                         {"apn", stray.params.getApnName()},
+                                         {"apn", stray.apnName()},
                                          {"text", stray.refusal}});
     });
     if (strays == 0) {
@@ -238,9 +224,7 @@ std::size_t tellStrays(Output& output, const OperatorFile& file) {
 void tellTotals(Output& output, const OperatorFile& file, const Json& totals) {
     output.line("Totals of " + file.name() + ':');
     for (const auto& [name, number] : totals.items()) {
-        std::string words = name;
-        std::replace(words.begin(), words.end(), '_', ' ');
-        output.line("  " + words + ": " + grouped(number));
+        output.line("  " + replaced(name, '_', ' ') + ": " + number.dump());
     }
     output.document()["totals"] = totals;
 }
@@ -249,9 +233,9 @@ void tellTotals(Output& output, const OperatorFile& file, const Json& totals) {
 
 std::string provisionOne(Output& output, Workbench& bench, const Operator& candidate,
                          const OperatorFile& file, bool isExplained) {
-    Provisioner provisioner(bench, candidate, output.showSecrets());
+    Provisioner provisioner(bench, candidate);
     provisioner.run();
-    const Json document = provisioner.document();
+    const Json document = masked(provisioner.document(), output.showSecrets());
     const auto changes =
         changesBetween(provisioner.before, provisioner.after, output.showSecrets());
     output.line("Operator " + candidate.name() + ", " + printable(candidate.carrier()) + ": " +
@@ -264,7 +248,11 @@ std::string provisionOne(Output& output, Workbench& bench, const Operator& candi
     output.line("Attach " + told(document["attach"], kAttach) + '.');
     listUnder(output, "Other profiles:", unusedProfiles(document));
     listUnder(output, "Elsewhere in " + file.name() + ":", file.oddities());
-    output.line(summary(changes.size(), document["requests"]));
+    output.line((changes.empty() ? "Nothing changed"
+                                 : counted(changes.size(), "profile") + " created or changed") +
+                (document["requests"] == 0
+                     ? "."
+                     : ", in " + counted(document["requests"], "request") + '.'));
     Json rewritten = Json::array();
     std::copy_if(changes.begin(), changes.end(), std::back_inserter(rewritten),
                  [](const Json& change) { return change["change"] != "created"; });
@@ -279,7 +267,7 @@ std::string provisionOne(Output& output, Workbench& bench, const Operator& candi
                               {"changes", changes},
                               {"after", output.toJson(provisioner.after)},
                               {"file_oddities", file.oddities()}});
-    std::vector<std::string> failures = failuresOf(document);
+    Names failures = failuresOf(document);
     if (countOf(document, "refused") == candidate.entries.size()) {
         failures.push_back("no entry of " + candidate.name() +
                            " can be a profile: " + candidate.refusals());
@@ -297,7 +285,7 @@ std::string provisionAll(Output& output, const OperatorFile& file, const SurveyO
     }
     file.forEach([&](const Operator& candidate) {
         progress.next(candidate.name());
-        const Json document = provisionFresh(candidate, options, output.showSecrets());
+        const Json document = masked(provisionFresh(candidate, options), output.showSecrets());
         count(totals, candidate, document);
         output.listed("operators", document);
         const auto lines = odditiesOf(document, options.isExplained);

@@ -22,11 +22,6 @@ bool saysNothing(const Json& value) {
     return value.empty() || value == Json("") || value == "none" || value == false || value == 0;
 }
 
-Json masked(const ProfileField& field, const Json& value, bool showSecrets) {
-    const bool isSecret = field.isSecret() && !showSecrets && !value.is_null();
-    return isSecret ? Json(valueText(field, value, false)) : value;
-}
-
 template <typename Value>
 Json valueOrNull(const Value& value) {
     return value == Value() ? Json() : Json(value);
@@ -35,20 +30,13 @@ Json valueOrNull(const Value& value) {
 /** By field: what a profile holds and what it is asked for, null being nothing. The fields that are
  * asked for and held otherwise, and those that are held without being asked for, unless they say
  * nothing: no, 0, none or empty. Who made the profile does not count. */
-Json differencesBetween(const ProfileRecord& held, const ProfileParams& asked, bool showSecrets) {
-    Json result = Json::object();
-    const Json wantedFields = fieldsOf(asked);
-    const Json shown = shownFields(held.fields);
+Json differencesBetween(const Json& held, const Json& asked) {
+    using Scope = ProfileField::Scope;
+    Json result = differencesOf(shownFields(held), asked, "held", "asked");
     for (const ProfileField& field : profileFields()) {
-        if (field.scope == ProfileField::Scope::Filter ||
-            field.scope == ProfileField::Scope::Profile) {
-            continue;
-        }
-        const Json wanted = field.of(wantedFields);
-        const Json value = field.of(shown);
-        if (wanted.is_null() ? !saysNothing(value) : !isSame(field, shown, wantedFields)) {
-            result[field.key] = {{"held", masked(field, value, showSecrets)},
-                                 {"asked", masked(field, wanted, showSecrets)}};
+        const bool isOfMaker = field.scope == Scope::Filter || field.scope == Scope::Profile;
+        if (isOfMaker || (field.of(asked).is_null() && saysNothing(field.of(held)))) {
+            result.erase(field.key);
         }
     }
     return result;
@@ -56,22 +44,13 @@ Json differencesBetween(const ProfileRecord& held, const ProfileParams& asked, b
 
 /** Whether a profile will do: it has what is asked for, and neither credentials nor a ban beyond
  * that. */
-bool isHeldBy(const ProfileRecord& profile, const ProfileParams& asked) {
+bool isHeldBy(const Json& held, const Json& asked) {
     static const std::set<std::string> unwanted{"user", "password", "disabled"};
-    const Json differences = differencesBetween(profile, asked, true);
-    for (const auto& item : differences.items()) {
-        if (!item.value()["asked"].is_null() || unwanted.count(item.key()) != 0) {
-            return false;
-        }
-    }
-    return true;
-}
-
-/** The same for entries that ask for the same. No text of a file contains a NUL. */
-std::string identityOf(const OperatorEntry& entry) {
-    const ProfileParams params = entry.profile(true, true);
-    return params.dump() + '\0' + params.getApnName() + '\0' + params.getUserName() + '\0' +
-           params.getPassword();
+    const Json differences = differencesBetween(held, asked);
+    const auto all = differences.items();
+    return std::none_of(all.begin(), all.end(), [](const auto& item) {
+        return !item.value()["asked"].is_null() || unwanted.count(item.key()) != 0;
+    });
 }
 
 std::list<ProfileParams> requestsOf(const std::vector<const OperatorEntry*>& entries, bool hasTypes,
@@ -115,7 +94,7 @@ void Provisioner::sift() {
         if (!entry.isUsable()) {
             continue;
         }
-        first[&entry] = known.emplace(identityOf(entry), &entry).first->second;
+        first[&entry] = known.emplace(entry.wanted(true, true).dump(), &entry).first->second;
         if (first[&entry] != &entry) {
             continue;
         }
@@ -123,7 +102,7 @@ void Provisioner::sift() {
         const bool isTaken = std::any_of(owners.begin(), owners.end(), [&](const auto* owner) {
             return owner->apnClass == entry.apnClass;
         });
-        if (entry.apnClass && !isTaken) {
+        if (!entry.apnClass.is_null() && !isTaken) {
             owners.push_back(&entry);
         }
     }
@@ -136,7 +115,7 @@ void Provisioner::distributeTypes() {
 auto Provisioner::profilesNamed(const OperatorEntry& entry) -> std::list<Key> {
     vela::FilterProfileParams filter;
     filter.setFilterByTechType(TechType::TECH_3GPP);
-    filter.setApnName(entry.params.getApnName());
+    filter.setApnName(entry.apnName());
     return bench.manager().filter(filter);
 }
 
@@ -146,7 +125,8 @@ bool Provisioner::findAttach() {
         return false;
     }
     for (const Key& key : profilesNamed(*attachEntry)) {
-        if (policies.matchLteAttachProfileId(key->getProfileId(), attachEntry->params)) {
+        if (policies.matchLteAttachProfileId(key->getProfileId(),
+                                             attachEntry->profile(false, false))) {
             canServe = true;
             if (attach.index == 0) {
                 attach.index = key->getProfileId();
@@ -163,7 +143,7 @@ void Provisioner::provideAttach() {
         return;
     }
     const ProfileRecords old = bench.modemProfiles();
-    attach = holderOf(policies.findOrCreateProfileForLteAttach(attachEntry->params));
+    attach = holderOf(policies.findOrCreateProfileForLteAttach(attachEntry->profile(false, false)));
     const bool isFound = findRecord(old, TechType::TECH_3GPP, attach.index) != nullptr;
     attachOutcome = isFound ? "found" : "created";
 }
@@ -183,7 +163,7 @@ auto Provisioner::provide(const OperatorEntry& entry) -> Holder {
         const auto params = bench.manager().getProfile(key);
         const int index = key->getProfileId();
         if (params && (lowest == 0 || index < lowest) &&
-            isHeldBy({TechType::TECH_3GPP, index, fieldsOf(*params)}, entry.params)) {
+            isHeldBy(fieldsOf(*params), entry.fields)) {
             lowest = index;
         }
     }
@@ -233,8 +213,8 @@ void Provisioner::settle() {
 auto Provisioner::holderOfClass(const OperatorEntry& entry) const -> Holder {
     for (const ProfileRecord& record : after) {
         if (record.tech == TechType::TECH_3GPP &&
-            record.fields.value("class", "") == word(*entry.apnClass) &&
-            sameLetters(record.apnName(), entry.params.getApnName())) {
+            record.fields.value("class", Json()) == entry.apnClass &&
+            sameLetters(record.apnName(), entry.apnName())) {
             return {record.index};
         }
     }
@@ -269,9 +249,9 @@ Json Provisioner::entryAsJson(const OperatorEntry& entry) const {
         {"shared_with_line", outcome == "shared" ? Json(makers.at(holder.index)->line) : Json()},
         {"reason", valueOrNull(holder.reason)},
         {"owns_class", isOwner(entry)},
-        {"class_is_taken", isUsable && entry.apnClass && !isOwned},
+        {"class_is_taken", isUsable && !entry.apnClass.is_null() && !isOwned},
         {"differences", differences(entry, holder.index, isOwned)},
-        {"wanted", toJson(entry.profile(true, true), showSecrets)},
+        {"wanted", toJson(entry.wanted(true, true), true)},
         {"notes", entry.notes},
         {"not_sent", entry.notSent}};
 }
@@ -314,12 +294,11 @@ Json Provisioner::differences(const OperatorEntry& entry, int index, bool ownsCl
     if (record == nullptr) {
         return Json::object();
     }
-    const bool hasClass =
-        entry.apnClass && record->fields.value("class", "") == word(*entry.apnClass);
+    const bool hasClass = record->fields.value("class", Json()) == entry.apnClass;
     const auto served = servedTypes.find(index);
-    ProfileParams asked = entry.profile(false, ownsClass || hasClass);
-    asked.setApnTypesMask(entry.types | (served == servedTypes.end() ? 0U : served->second));
-    return differencesBetween(*record, asked, showSecrets);
+    OperatorEntry all = entry;
+    all.types |= served == servedTypes.end() ? 0U : served->second;
+    return differencesBetween(record->fields, all.wanted(true, ownsClass || hasClass));
 }
 
 Json Provisioner::profileAsJson(const ProfileRecord& record, const Json& entries) const {
@@ -333,18 +312,16 @@ Json Provisioner::profileAsJson(const ProfileRecord& record, const Json& entries
     }
     const bool isUnused = !isForAttach && lines.empty();
     const auto like = std::find_if(distinct.begin(), distinct.end(), [&](const auto* entry) {
-        return isUnused && is3gpp && isHeldBy(record, entry->params);
+        return isUnused && is3gpp && isHeldBy(record.fields, entry->fields);
     });
-    ProfileParams name;
-    name.setApnName(record.apnName());
-    return {
-        {"technology", word(record.tech)},
-        {"index", record.index},
-        {"apn", record.apnName()},
-        {"lines", lines},
-        {"attach", isForAttach},
-        {"like_line", like == distinct.end() ? Json() : Json((*like)->line)},
-        {"left_over", isUnused ? differencesBetween(record, name, showSecrets) : Json::object()}};
+    const Json name{{"apn", record.fields.value("apn", Json())}};
+    return {{"technology", word(record.tech)},
+            {"index", record.index},
+            {"apn", record.apnName()},
+            {"lines", lines},
+            {"attach", isForAttach},
+            {"like_line", like == distinct.end() ? Json() : Json((*like)->line)},
+            {"left_over", isUnused ? differencesBetween(record.fields, name) : Json::object()}};
 }
 
 }  // namespace velactl

@@ -27,14 +27,12 @@ namespace velactl {
  */
 class Provisioner {
   public:
-    Provisioner(Workbench& bench, const Operator& candidate, bool showSecrets)
-        : bench(bench),
-          candidate(candidate),
-          showSecrets(showSecrets),
-          attachEntry(candidate.attachEntry()) {}
+    Provisioner(Workbench& bench, const Operator& candidate)
+        : bench(bench), candidate(candidate), attachEntry(candidate.attachEntry()) {}
 
     /** Once for each object. Afterwards the modem's table before and after, and as a JSON document
-     * all else: what became of each entry and of the attach, and what each profile is there for. */
+     * all else, secrets in clear: what became of each entry and of the attach, and what each
+     * profile is there for. */
     void run();
     Json document() const;
 
@@ -77,7 +75,6 @@ class Provisioner {
 
     Workbench& bench;
     const Operator& candidate;
-    const bool showSecrets;
     vela::Util policies;
 
     /** Of all usable entries that ask for the same the first, by each of them. */

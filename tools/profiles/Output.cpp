@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "profiles/Output.h"
 
-#include <cctype>
 #include <numeric>
 #include <regex>
 #include <utility>
@@ -21,63 +20,16 @@ std::string cut(const std::string& line, std::size_t width) {
     return isTooLong ? fitting(line, width - 1) + "…" : line;
 }
 
-Names allColumns() {
-    Names names{"technology", "index"};
-    for (const ProfileField& field : profileFields()) {
-        names.emplace_back(field.key);
-    }
-    return names;
-}
-
-std::string cell(const std::string& column, const ProfileRecord& record, const Json& shown,
-                 bool showSecrets) {
-    const ProfileField* field = fieldNamed(column);
-    return field != nullptr    ? valueText(*field, field->of(shown), showSecrets)
-           : column == "index" ? std::to_string(record.index)
-                               : word(record.tech);
-}
-
-bool isPlain(char letter) {
-    return std::isalnum(static_cast<unsigned char>(letter)) != 0;
-}
-
-// What may follow the password in a dump; none of it is free text, or else it is masked too.
-bool isFields(std::string_view text) {
-    static const std::regex kFields(
-        "((AuthType|HomeIPType|RoamIPType|CommonIPType|ApnTypesMask|ApnClass|IsClatEnabled|"
-        "OverrideHomeIPType|LteRoamIP|UmtsRoamIP|MaxPdnsConnPerBlock|MaxPdnConnTimer|"
-        "PdnReqWaitInterval|IsApnDisabled|IsEmergencySupported|IsVelaProfile|IsIAProfile|"
-        "ProfileName)=[0-9A-Za-z_|-]*,)*");
-    return std::regex_match(text.begin(), text.end(), kFields);
-}
-
-/** Where a field's value begins; npos: there is no such field. */
-std::size_t passwordIn(std::string_view line) {
-    constexpr std::string_view kLabel = "Password=";
-    std::size_t found = line.find(kLabel);
-    while (found < line.size() && found > 0 && isPlain(line[found - 1])) {
-        found = line.find(kLabel, found + 1);
-    }
-    return found == std::string_view::npos ? found : found + kLabel.size();
-}
-
-/** A printable text in lines of no more columns, broken at spaces where there are any; what goes on
- * stands further right. */
-std::string folded(std::string text, std::size_t columns) {
-    constexpr std::size_t kFurther = 4;
-    constexpr std::size_t kNarrowest = 10;
-    std::string result;
-    std::size_t start = text.find_first_not_of(' ');
-    const std::size_t margin = std::min(start + kFurther, columns / 2);
-    while (columns >= kNarrowest && displayWidth(text) > columns) {
-        const std::size_t fits = fitting(text, columns).size();
-        const std::size_t blank = text.rfind(' ', fits);
-        const std::size_t end = blank != std::string::npos && blank > start ? blank : fits;
-        result += text.substr(0, end) + '\n';
-        text = std::string(margin, ' ').append(trim(text.substr(end)));
-        start = margin;
-    }
-    return result + text;
+/** All that a table of profiles can have. */
+const std::vector<ProfileField>& allColumns() {
+    static const std::vector<ProfileField> kColumns = [] {
+        std::vector<ProfileField> columns{{"technology", "TECH", "", 0, {}},
+                                          {"index", "INDEX", "", 0, {}}};
+        columns.back().kind = ProfileField::Kind::Number;
+        columns.insert(columns.end(), profileFields().begin(), profileFields().end());
+        return columns;
+    }();
+    return kColumns;
 }
 
 std::string textOf(const Json& value, int indent) {
@@ -136,41 +88,43 @@ void Table::print(std::ostream& out, std::size_t indent, std::size_t width) cons
         out << cut(line, width) << '\n';
     }
     if (!left.empty()) {
-        const std::string hint =
-            "not shown: " + join(left, ", ") + "; --columns shows what you name";
-        for (const std::string& line : wrapped(hint, width - indent)) {
-            out << cut(margin + line, width) << '\n';
-        }
+        out << wrapped(
+                   margin + "not shown: " + join(left, ", ") + "; --columns shows what you name",
+                   width)
+            << '\n';
     }
 }
 
-Names readColumns(std::string_view option, std::string_view text) {
-    const Names known = allColumns();
-    Names columns;
-    for (std::string name : split(text.empty() ? " " : text, ',')) {
-        std::replace(name.begin(), name.end(), '-', '_');
-        columns.push_back(known[readOneOf(option, name, known)]);
+std::vector<ProfileField> readColumns(std::string_view option, std::string_view text) {
+    Names known;
+    for (const ProfileField& column : allColumns()) {
+        known.emplace_back(column.key);
+    }
+    std::vector<ProfileField> columns;
+    for (const std::string& name : split(text.empty() ? " " : text, ',')) {
+        columns.push_back(allColumns()[readOneOf(option, replaced(name, '-', '_'), known)]);
+        columns.back().rank = 0;
     }
     return columns;
 }
 
-Table profileTable(const ProfileRecords& records, bool showSecrets, const Names& columns) {
-    const Names keys = columns.empty() ? allColumns() : columns;
+Table profileTable(const ProfileRecords& records, bool showSecrets,
+                   const std::vector<ProfileField>& chosen) {
+    const std::vector<ProfileField>& columns = chosen.empty() ? allColumns() : chosen;
     Names headings;
+    Names keys;
     std::vector<int> ranks;
-    for (const std::string& key : keys) {
-        const ProfileField* field = fieldNamed(key);
-        headings.emplace_back(field != nullptr ? field->heading
-                              : key == "index" ? "INDEX"
-                                               : "TECH");
-        ranks.push_back(field != nullptr && columns.empty() ? field->rank : 0);
+    for (const ProfileField& column : columns) {
+        headings.emplace_back(column.heading);
+        keys.emplace_back(column.key);
+        ranks.push_back(column.rank);
     }
-    Table table(std::move(headings), std::move(ranks), keys);
+    Table table(std::move(headings), std::move(ranks), std::move(keys));
     for (const ProfileRecord& record : records) {
+        const Json shown = shownFields(toJson(record, showSecrets));
         Names cells;
-        const Json shown = shownFields(record.fields);
-        for (const std::string& key : keys) {
-            cells.push_back(cell(key, record, shown, showSecrets));
+        for (const ProfileField& column : columns) {
+            cells.push_back(valueText(column, column.of(shown)));
         }
         table.add(std::move(cells));
     }
@@ -179,7 +133,7 @@ Table profileTable(const ProfileRecords& records, bool showSecrets, const Names&
 
 void Output::line(std::string_view text) {
     if (isText()) {
-        out << folded(std::string(text), options.width) << '\n';
+        out << wrapped(std::string(text), options.width) << '\n';
     }
 }
 
@@ -255,18 +209,14 @@ void Progress::moveTo(std::size_t number, const std::string& what) {
 }
 
 // A name or user that contains ",Password=" looks like a password, and may be one: a line does not
-// tell where a text ends. So it is masked from there on.
+// tell where a text ends. So it is masked up to where only fields follow that are no free text.
 std::string withoutPassword(std::string_view line) {
-    const std::size_t start = passwordIn(line);
-    if (start > line.size()) {
-        return std::string(line);
-    }
-    std::size_t comma = line.find(',', start);
-    while (comma < line.size() && !isFields(line.substr(comma + 1))) {
-        comma = line.find(',', comma + 1);
-    }
-    return std::string(line.substr(0, start)) + "***" +
-           std::string(line.substr(std::min(comma, line.size())));
+    static const std::regex kPassword(
+        "(^|[^0-9A-Za-z])Password=[\\s\\S]*?((,((AuthType|HomeIPType|RoamIPType|CommonIPType|"
+        "ApnTypesMask|ApnClass|IsClatEnabled|OverrideHomeIPType|LteRoamIP|UmtsRoamIP|"
+        "MaxPdnsConnPerBlock|MaxPdnConnTimer|PdnReqWaitInterval|IsApnDisabled|"
+        "IsEmergencySupported|IsVelaProfile|IsIAProfile|ProfileName)=[0-9A-Za-z_|-]*,)*)?)$");
+    return std::regex_replace(std::string(line), kPassword, "$1Password=***$2");
 }
 
 }  // namespace velactl

@@ -6,6 +6,7 @@
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "profiles/ProfileRecord.h"
 
@@ -36,10 +37,11 @@ class Table {
 
 /** The columns named in a comma list, as --columns takes it: fields by key or option, "technology",
  * "index". Throws ToolError that lists them. */
-Names readColumns(std::string_view option, std::string_view text);
+std::vector<ProfileField> readColumns(std::string_view option, std::string_view text);
 
-/** One row per profile; with all columns when none are named. */
-Table profileTable(const ProfileRecords& records, bool showSecrets, const Names& columns = {});
+/** One row per profile; with all columns, as far as they fit, when none are chosen. */
+Table profileTable(const ProfileRecords& records, bool showSecrets,
+                   const std::vector<ProfileField>& chosen = {});
 
 /** How answers are given. */
 struct OutputOptions {
@@ -48,7 +50,7 @@ struct OutputOptions {
     /** The terminal's, for tables; 0: none, or unlimited. */
     std::size_t width = 0;
     /** Those of tables of profiles, from readColumns(); empty: all. */
-    Names columns;
+    std::vector<ProfileField> columns;
 };
 
 /**

@@ -3,6 +3,7 @@
 #include "profiles/ProfileField.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "profiles/Text.h"
 #include "profiles/ToolError.h"
@@ -13,20 +14,9 @@ namespace {
 
 using Kind = ProfileField::Kind;
 
-constexpr const char* kMask = "***";
-
-bool isMasked(const ProfileField& field, const Json& value, bool showSecrets) {
-    return field.isSecret() && !showSecrets && !value.is_null() && value != Json("");
-}
-
 /** A maker's name has no blank where people write it. */
 Json shown(const std::string& word) {
     return word == "vela-ia" ? "vela IA" : word;
-}
-
-std::string replaced(std::string text, char from, char by) {
-    std::replace(text.begin(), text.end(), from, by);
-    return text;
 }
 
 }  // namespace
@@ -187,22 +177,37 @@ void requireKept(const Json& fields, vela::TechType tech) {
     }
 }
 
-std::string valueText(const ProfileField& field, const Json& value, bool showSecrets) {
-    if (isMasked(field, value, showSecrets)) {
-        return kMask;
+Json masked(Json document, bool showSecrets, bool isSecret) {
+    if (!showSecrets && document.is_structured()) {
+        for (auto& item : document.items()) {
+            const bool isPassword = item.key().find("password") != std::string::npos;
+            item.value() = masked(std::move(item.value()), false, isSecret || isPassword);
+        }
     }
+    const bool isHidden = isSecret && !showSecrets && document.is_string() && document != "";
+    return isHidden ? "***" : document;
+}
+
+std::string valueText(const Json& value) {
     switch (value.type()) {
         case Json::value_t::null:
             return "";
         case Json::value_t::string:
             return printable(value.get_ref<const std::string&>());
         case Json::value_t::boolean:
-            return field.words.at(value.get<bool>() ? 0 : 1);
+            return value.get<bool>() ? "yes" : "no";
         case Json::value_t::array:
             return value.empty() ? "none" : join(value.get<Names>(), ",");
         default:
-            return field.kind == Kind::Number ? value.dump() : unknownText(value);
+            return value.dump();
     }
+}
+
+std::string valueText(const ProfileField& field, const Json& value, bool showSecrets) {
+    const bool isUnknown = value.is_number() && field.kind != Kind::Number;
+    return isUnknown            ? unknownText(value)
+           : value.is_boolean() ? field.words.at(value.get<bool>() ? 0 : 1)
+                                : valueText(masked(value, showSecrets, field.isSecret()));
 }
 
 bool isSame(const ProfileField& field, const Json& left, const Json& right) {
@@ -211,6 +216,16 @@ bool isSame(const ProfileField& field, const Json& left, const Json& right) {
     return one == other ||
            (field.trait == ProfileField::Trait::AnyCase && one.is_string() && other.is_string() &&
             sameLetters(one.get_ref<const std::string&>(), other.get_ref<const std::string&>()));
+}
+
+Json differencesOf(const Json& one, const Json& other, const char* oneName, const char* otherName) {
+    Json differences = Json::object();
+    for (const ProfileField& field : profileFields()) {
+        if (!isSame(field, one, other)) {
+            differences[field.key] = {{oneName, field.of(one)}, {otherName, field.of(other)}};
+        }
+    }
+    return differences;
 }
 
 bool hasUsualIPTypes(const Json& fields) {
@@ -254,14 +269,12 @@ std::string describe(const Json& fields, bool showSecrets) {
 Json toJson(const Json& fields, bool showSecrets) {
     Json object = Json::object();
     for (const ProfileField& field : profileFields()) {
-        const Json value = field.of(fields);
-        if (isMasked(field, value, showSecrets)) {
-            object[field.key] = kMask;
-        } else if (!value.is_null()) {
+        const Json value = masked(field.of(fields), showSecrets, field.isSecret());
+        if (!value.is_null()) {
             object[field.key] = value;
-            if (value.is_string() && !isUtf8(value.get_ref<const std::string&>())) {
-                object[std::string(field.key) + "_hex"] = hex(value.get_ref<const std::string&>());
-            }
+        }
+        if (value.is_string() && !isUtf8(value.get_ref<const std::string&>())) {
+            object[std::string(field.key) + "_hex"] = hex(value.get_ref<const std::string&>());
         }
     }
     return object;

@@ -120,11 +120,19 @@ Names fieldsNotKept(const Json& fields, vela::TechType tech);
 /** Refuses those. */
 void requireKept(const Json& fields, vela::TechType tech);
 
-/** A value in words, an absent one empty. Secrets are masked unless `showSecrets`. */
-std::string valueText(const ProfileField& field, const Json& value, bool showSecrets);
+/** A document in which passwords are masked, unless `showSecrets`: all texts under keys of theirs,
+ * or all if it `isSecret` itself. */
+Json masked(Json document, bool showSecrets, bool isSecret = false);
+
+/** A value in words, an absent one empty. */
+std::string valueText(const Json& value);
+std::string valueText(const ProfileField& field, const Json& value, bool showSecrets = true);
 
 /** Whether both have the field's value; of APN names as the library compares them. */
 bool isSame(const ProfileField& field, const Json& left, const Json& right);
+
+/** By the fields in which two differ, what either has, under a name each. */
+Json differencesOf(const Json& one, const Json& other, const char* oneName, const char* otherName);
 
 /** Whether the types at home and when roaming tell all that the modem keeps of IP types. */
 bool hasUsualIPTypes(const Json& fields);

@@ -3,6 +3,7 @@
 #include "profiles/ProfileRecord.h"
 
 #include <algorithm>
+#include <set>
 #include <tuple>
 #include <utility>
 
@@ -12,17 +13,9 @@ namespace velactl {
 
 namespace {
 
-std::string titleOf(const std::string& tech, const std::string& index, const std::string& apn) {
-    return tech + " profile " + index + " (" + (apn.empty() ? "no APN name" : printable(apn)) + ')';
-}
-
-bool isBefore(const ProfileRecord& left, const ProfileRecord& right) {
-    return std::tie(left.tech, left.index) < std::tie(right.tech, right.index);
-}
-
-/** The members that differ, as texts; an absent one is null. */
-template <typename TextOf>
-Json differences(const Json& before, const Json& after, TextOf textOf) {
+/** The members that differ, as texts, of fields or of the modem's own settings; an absent one is
+ * null. */
+Json differences(const Json& before, const Json& after, bool areFields) {
     Json list = Json::object();
     Json all = before;
     all.update(after);
@@ -30,7 +23,9 @@ Json differences(const Json& before, const Json& after, TextOf textOf) {
         const Json old = before.value(item.key(), Json());
         const Json now = after.value(item.key(), Json());
         const auto text = [&](const Json& value) {
-            return value.is_null() ? value : Json(textOf(item.key(), value));
+            return value.is_null() ? value
+                   : areFields     ? Json(valueText(*fieldNamed(item.key()), value))
+                                   : Json(valueText(value));
         };
         if (old != now) {
             list[item.key()] = {{"before", text(old)}, {"after", text(now)}};
@@ -39,32 +34,10 @@ Json differences(const Json& before, const Json& after, TextOf textOf) {
     return list;
 }
 
-Json changedFields(const Json& before, const Json& after, bool showSecrets) {
-    const bool areUsual = hasUsualIPTypes(before) && hasUsualIPTypes(after);
-    return differences(areUsual ? shownFields(before) : before,
-                       areUsual ? shownFields(after) : after,
-                       [&](const std::string& key, const Json& value) {
-                           return valueText(*fieldNamed(key), value, showSecrets);
-                       });
-}
-
-Json changedSettings(const Json& before, const Json& after, bool showSecrets) {
-    if (before.is_null() || after.is_null()) {
-        return Json::object();
-    }
-    return differences(before, after, [&](const std::string& name, const Json& value) {
-        const bool isSecret = name.find("password") != std::string::npos && value != Json("");
-        return isSecret && !showSecrets ? "***"
-               : value.is_string()      ? printable(value.get_ref<const std::string&>())
-                                        : value.dump();
-    });
-}
-
-Json changeOf(const char* kind, const ProfileRecord& record, bool showSecrets) {
-    Json change{{"change", kind}};
-    change.update(toJson(record, showSecrets));
-    change["fields"] = change["settings"] = Json::object();
-    return change;
+Json changedFields(const Json& before, const Json& after) {
+    return hasUsualIPTypes(before) && hasUsualIPTypes(after)
+               ? differences(shownFields(before), shownFields(after), true)
+               : differences(before, after, true);
 }
 
 /** Whether one of the changed fields is made of the setting. */
@@ -75,11 +48,6 @@ bool isTold(const Json& fields, const std::string& name) {
                std::any_of(field.settings.begin(), field.settings.end(),
                            [&](const auto& setting) { return setting.isNamed(name); });
     });
-}
-
-/** What is absent is not what is none or empty. */
-std::string valueText(const Json& text) {
-    return text.is_null() ? "(absent)" : text == Json("") ? "\"\"" : text.get<std::string>();
 }
 
 }  // namespace
@@ -125,12 +93,28 @@ const ProfileRecord* findRecord(const ProfileRecords& records, vela::TechType te
     return found == records.end() ? nullptr : &*found;
 }
 
+std::string titleOf(const Json& place, const Json& profile) {
+    if (place["index"].is_null()) {
+        return "a profile";
+    }
+    std::string title =
+        place["technology"].get<std::string>() + " profile " + place["index"].dump();
+    if (profile.is_object()) {
+        const std::string name = profile.value("apn", "");
+        title += " (" + (name.empty() ? "no APN name" : printable(name)) + ')';
+    }
+    return title;
+}
+
 std::string title(const ProfileRecord& record) {
-    return titleOf(word(record.tech), std::to_string(record.index), record.apnName());
+    const Json profile = toJson(record, false);
+    return titleOf(profile, profile);
 }
 
 void sortTable(ProfileRecords& records) {
-    std::sort(records.begin(), records.end(), isBefore);
+    std::sort(records.begin(), records.end(), [](const auto& left, const auto& right) {
+        return std::tie(left.tech, left.index) < std::tie(right.tech, right.index);
+    });
 }
 
 Json toJson(const ProfileRecord& record, bool showSecrets) {
@@ -148,34 +132,42 @@ Json toJson(const ProfileRecords& records, bool showSecrets) {
 }
 
 Json changesBetween(const ProfileRecords& before, const ProfileRecords& after, bool showSecrets) {
-    Json changes = Json::array();
-    auto old = before.begin();
-    for (const ProfileRecord& now : after) {
-        for (; old != before.end() && isBefore(*old, now); ++old) {
-            changes.push_back(changeOf("deleted", *old, showSecrets));
+    std::set<std::pair<vela::TechType, int>> places;
+    for (const ProfileRecords* table : {&before, &after}) {
+        for (const ProfileRecord& record : *table) {
+            places.emplace(record.tech, record.index);
         }
-        if (old == before.end() || isBefore(now, *old)) {
-            changes.push_back(changeOf("created", now, showSecrets));
-            continue;
-        }
-        Json change = changeOf("changed", now, showSecrets);
-        change["fields"] = changedFields(old->fields, now.fields, showSecrets);
-        change["settings"] = changedSettings(old->settings, now.settings, showSecrets);
-        if (!change["fields"].empty() || !change["settings"].empty()) {
-            changes.push_back(std::move(change));
-        }
-        ++old;
     }
-    for (; old != before.end(); ++old) {
-        changes.push_back(changeOf("deleted", *old, showSecrets));
+    Json changes = Json::array();
+    for (const auto& [tech, index] : places) {
+        const ProfileRecord* old = findRecord(before, tech, index);
+        const ProfileRecord* now = findRecord(after, tech, index);
+        Json change{{"change", old == nullptr   ? "created"
+                               : now == nullptr ? "deleted"
+                                                : "changed"}};
+        change.update(toJson(now != nullptr ? *now : *old, showSecrets));
+        change.update({{"settings", Json::object()}, {"fields", Json::object()}});
+        Json& fields = change["fields"];
+        Json& settings = change["settings"];
+        if (old != nullptr && now != nullptr) {
+            fields = changedFields(old->fields, now->fields);
+            const bool areTold = !old->settings.is_null() && !now->settings.is_null();
+            settings = areTold ? differences(old->settings, now->settings, false) : settings;
+        }
+        if (change["change"] != "changed" || !fields.empty() || !settings.empty()) {
+            changes.push_back(masked(std::move(change), showSecrets));
+        }
     }
     return changes;
 }
 
+std::string orAbsent(const Json& text, const char* absent) {
+    return text.is_null() ? absent : text == "" ? "\"\"" : text.get<std::string>();
+}
+
 std::string changeLine(const Json& change) {
     const auto kind = change["change"].get<std::string>();
-    std::string text =
-        titleOf(change["technology"], change["index"].dump(), change.value("apn", "")) + ' ' + kind;
+    const std::string text = titleOf(change, change) + ' ' + kind;
     if (kind == "created") {
         return text + ": " + describe(change, true);
     }
@@ -183,8 +175,8 @@ std::string changeLine(const Json& change) {
     for (const char* list : {"fields", "settings"}) {
         for (const auto& item : change[list].items()) {
             if (list == std::string("fields") || !isTold(change["fields"], item.key())) {
-                parts.push_back(item.key() + ' ' + valueText(item.value()["before"]) + " -> " +
-                                valueText(item.value()["after"]));
+                parts.push_back(item.key() + ' ' + orAbsent(item.value()["before"]) + " -> " +
+                                orAbsent(item.value()["after"]));
             }
         }
     }

@@ -34,7 +34,9 @@ ProfileRecord recordOf(vela::TechType tech, int index, Json settings);
 /** One of the records; null when there is none. */
 const ProfileRecord* findRecord(const ProfileRecords& records, vela::TechType tech, int index);
 
-/** "3GPP profile 3 (internet)" */
+/** "3GPP profile 3 (internet)", by `technology` and `index`, with the APN name when the profile is
+ * known. */
+std::string titleOf(const Json& place, const Json& profile = {});
 std::string title(const ProfileRecord& record);
 
 /** By technology, then by index. */
@@ -49,6 +51,9 @@ Json toJson(const ProfileRecords& records, bool showSecrets);
  * deleted one as it was; with the texts `before` and `after` of all `fields` and of all `settings`,
  * where both records tell them, that differ. */
 Json changesBetween(const ProfileRecords& before, const ProfileRecords& after, bool showSecrets);
+
+/** The text of one of two values, of which an absent one is not one that is none or empty. */
+std::string orAbsent(const Json& text, const char* absent = "(absent)");
 
 /** A change in words: "3GPP profile 1 (internet) changed: auth PAP -> CHAP". Of the settings those
  * that no changed field tells. */

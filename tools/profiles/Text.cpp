@@ -119,16 +119,21 @@ std::string fitting(std::string_view text, std::size_t columns) {
     return result;
 }
 
-std::vector<std::string> wrapped(const std::string& text, std::size_t columns) {
-    std::vector<std::string> lines;
-    for (const std::string& word : split(text, ' ')) {
-        if (lines.empty() || displayWidth(lines.back()) + 1 + displayWidth(word) > columns) {
-            lines.push_back(word);
-        } else {
-            lines.back() += ' ' + word;
-        }
+std::string wrapped(std::string text, std::size_t columns) {
+    constexpr std::size_t kFurther = 4;
+    constexpr std::size_t kNarrowest = 3;  // where the widest letter fits beside the margin
+    std::string lines;
+    std::size_t start = text.find_first_not_of(' ');
+    const std::size_t margin = std::min(start + kFurther, columns / 2);
+    while (columns >= kNarrowest && displayWidth(text) > columns) {
+        const std::size_t fits = fitting(text, columns).size();
+        const std::size_t blank = text.rfind(' ', fits);
+        const std::size_t end = blank != std::string::npos && blank > start ? blank : fits;
+        lines += text.substr(0, end) + '\n';
+        text = std::string(margin, ' ').append(trim(text.substr(end)));
+        start = margin;
     }
-    return lines;
+    return lines + text;
 }
 
 std::string hex(std::string_view bytes) {
@@ -188,17 +193,13 @@ std::string alternatives(const std::vector<std::string>& words) {
     return join({words.begin(), std::prev(words.end())}, ", ") + " or " + words.back();
 }
 
-std::string grouped(std::size_t number) {
-    std::string digits = std::to_string(number);
-    for (std::size_t place = digits.size(); place > 3;) {
-        place -= 3;
-        digits.insert(place, ",");
-    }
-    return digits;
+std::string replaced(std::string text, char from, char by) {
+    std::replace(text.begin(), text.end(), from, by);
+    return text;
 }
 
 std::string counted(std::size_t number, std::string_view noun) {
-    std::string text = grouped(number) + ' ' + std::string(noun);
+    std::string text = std::to_string(number) + ' ' + std::string(noun);
     if (number == 1) {
         return text;
     }

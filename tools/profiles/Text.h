@@ -26,8 +26,9 @@ std::size_t displayWidth(std::string_view text);
 /** As much of a printable text as fits into so many columns. */
 std::string fitting(std::string_view text, std::size_t columns);
 
-/** The text in lines of at most so many columns, parted at blanks. */
-std::vector<std::string> wrapped(const std::string& text, std::size_t columns);
+/** A printable text in lines of no more columns, parted at blanks where there are any; what goes on
+ * stands further right. 0: in one line. */
+std::string wrapped(std::string text, std::size_t columns);
 
 /** The bytes as hexadecimal digits. */
 std::string hex(std::string_view bytes);
@@ -47,10 +48,10 @@ std::string join(const std::vector<std::string>& parts, std::string_view separat
 /** "a, b or c" */
 std::string alternatives(const std::vector<std::string>& words);
 
-/** 1234567 as "1,234,567". */
-std::string grouped(std::size_t number);
+/** A text with another letter in place of each of one kind. */
+std::string replaced(std::string text, char from, char by);
 
-/** "1 profile", "2,000 profiles"; `noun` forms its plural with an s, or "y" to "ies". */
+/** "1 profile", "2 profiles"; `noun` forms its plural with an s, or "y" to "ies". */
 std::string counted(std::size_t number, std::string_view noun);
 
 /** Hands out a file or a stream piece by piece; "-" is the standard input. `what` names it for

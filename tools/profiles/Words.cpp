@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "profiles/Words.h"
 
-#include <algorithm>
 #include <charconv>
 #include <sstream>
 #include <type_traits>
@@ -58,11 +57,6 @@ std::string textOf(AuthType value) {
     return value == AuthType::NONE ? "none" : textOf<AuthType>(value);
 }
 
-auto find(std::string_view text, const Names& names) {
-    return std::find_if(names.begin(), names.end(),
-                        [text](const std::string& name) { return sameLetters(text, name); });
-}
-
 }  // namespace
 
 template <typename Value>
@@ -112,24 +106,21 @@ Json namesOf(std::uint64_t mask, const Words& bits) {
     return list;
 }
 
-Names typeWords(unsigned int mask) {
-    return namesOf(mask, wordsOf<ApnTypes>()).get<Names>();
-}
-
-std::optional<ApnTypes> typeNamed(std::string_view name) {
-    const Words& types = wordsOf<ApnTypes>();
-    const auto place = static_cast<std::size_t>(find(name, types.names) - types.names.begin());
-    return place == types.names.size() ? std::nullopt
-                                       : std::optional(static_cast<ApnTypes>(types.numbers[place]));
+std::optional<std::size_t> placeOf(std::string_view text, const Names& words) {
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        if (sameLetters(text, words[i])) {
+            return i;
+        }
+    }
+    return std::nullopt;
 }
 
 std::size_t readOneOf(std::string_view option, std::string_view text, const Names& words) {
-    const auto found = find(text, words);
-    if (found == words.end()) {
-        throw badUsage(std::string(option) + ": " + inQuotes(text) + " is none; use " +
-                       alternatives(words));
+    if (const auto place = placeOf(text, words)) {
+        return *place;
     }
-    return static_cast<std::size_t>(found - words.begin());
+    throw badUsage(std::string(option) + ": " + inQuotes(text) + " is none; use " +
+                   alternatives(words));
 }
 
 TechType readTech(std::string_view option, std::string_view text) {

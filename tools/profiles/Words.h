@@ -50,9 +50,8 @@ inline std::string word(vela::IPType value) {
     return value == vela::IPType::UNKNOWN ? "unknown" : word<vela::IPType>(value);
 }
 
-/** The names of APN types, and the type of a name. */
-Names typeWords(unsigned int mask);
-std::optional<vela::ApnTypes> typeNamed(std::string_view name);
+/** Which of the words a text is; empty: none of them. */
+std::optional<std::size_t> placeOf(std::string_view text, const Names& words);
 
 // What an option's text means. Otherwise a usage error that names the option and what is right.
 
