@@ -96,9 +96,10 @@ class OperatorFile::Database {
         check(code == SQLITE_DONE);
     }
 
-    std::size_t number(const std::string& sql) {
+    std::size_t count(const std::string& table) {
         std::size_t value = 0;
-        run(sql, {}, [&](const Row& row) { value = std::stoul(row[0]); });
+        run("SELECT count(*) FROM " + table, {},
+            [&](const Row& row) { value = std::stoul(row[0]); });
         return value;
     }
 
@@ -176,17 +177,21 @@ std::string Operator::refusals() const {
     return refused.text("; ");
 }
 
-OperatorFile::OperatorFile(const std::string& name, const Feed& feed)
+OperatorFile::OperatorFile(const std::string& name,
+                           const std::function<void(const XmlFeed&)>& readInto)
     : fileName(name), database(std::make_shared<Database>()) {
     std::vector<std::pair<std::string, Some>> ignored;  // in the order of their first lines
-    XmlReader reader(name, [&](const XmlItem& item) {
+    const XmlFeed feed = readXml(name, [&](const XmlItem& item) {
         const bool isText = item.name.empty();
         if (item.depth == 0 && item.name != "apns") {
             throw refused("the root element is <" + printable(item.name) +
                           ">; an operator file has <apns>");
         }
         if (item.depth == 1 && item.name == "apn") {
-            add(item);
+            const OperatorEntry entry = OperatorEntry::readOperator(item.attributes);
+            database->run("INSERT INTO entry VALUES (?1, ?2, ?3, ?4, ?5, ?6)",
+                          {entry.mcc, entry.mnc, entry.mcc.empty() ? "" : entry.mvno,
+                           std::to_string(item.line), entry.carrier, Json(item.attributes).dump()});
         } else if (isText || item.depth != 0) {
             const std::string kind = isText ? "text between the elements"
                                             : "element <" + printable(item.name) + '>' +
@@ -199,8 +204,8 @@ OperatorFile::OperatorFile(const std::string& name, const Feed& feed)
             known->second.add(std::to_string(item.line));
         }
     });
-    feed(reader);
-    reader.feed({});
+    readInto(feed);
+    feed({});
     database->run("CREATE INDEX by_operator ON entry (mcc, mnc, mvno)", {});
     for (const auto& [kind, lines] : ignored) {
         odd.push_back((lines.isOne() ? "line " : "lines ") + lines.text() + ": " + kind +
@@ -208,21 +213,14 @@ OperatorFile::OperatorFile(const std::string& name, const Feed& feed)
     }
 }
 
-void OperatorFile::add(const XmlItem& item) {
-    const OperatorEntry entry = OperatorEntry::readOperator(item.attributes);
-    database->run("INSERT INTO entry VALUES (?1, ?2, ?3, ?4, ?5, ?6)",
-                  {entry.mcc, entry.mnc, entry.mcc.empty() ? "" : entry.mvno,
-                   std::to_string(item.line), entry.carrier, Json(item.attributes).dump()});
-}
-
 OperatorFile OperatorFile::load(const std::string& path, Progress* progress) {
     constexpr std::uintmax_t kPercent = 100;
     std::error_code unsized;
     const std::uintmax_t size = std::filesystem::file_size(path, unsized);
     std::uintmax_t done = 0;
-    return {path, [&](XmlReader& reader) {
+    return {path, [&](const XmlFeed& feed) {
                 readBlocks(path, "an operator file", [&](std::string_view block) {
-                    reader.feed(block);
+                    feed(block);
                     done += block.size();
                     if (progress != nullptr && !unsized && size != 0) {
                         progress->moveTo(done * kPercent / size,
@@ -233,19 +231,19 @@ OperatorFile OperatorFile::load(const std::string& path, Progress* progress) {
 }
 
 OperatorFile OperatorFile::parse(std::string_view text, const std::string& name) {
-    return {name, [text](XmlReader& reader) {
+    return {name, [text](const XmlFeed& feed) {
                 if (!text.empty()) {
-                    reader.feed(text);
+                    feed(text);
                 }
             }};
 }
 
 std::size_t OperatorFile::entryCount() const {
-    return database->number("SELECT count(*) FROM entry");
+    return database->count("entry");
 }
 
 std::size_t OperatorFile::operatorCount() const {
-    return database->number("SELECT count(*) FROM " + kOperators);
+    return database->count(kOperators);
 }
 
 void OperatorFile::forEach(const std::function<void(const Operator&)>& visit) const {

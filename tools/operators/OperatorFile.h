@@ -78,11 +78,9 @@ class OperatorFile {
 
   private:
     class Database;
-    /** Has the bytes of a file fed into its reader. */
-    using Feed = std::function<void(XmlReader& reader)>;
 
-    OperatorFile(const std::string& name, const Feed& feed);
-    void add(const XmlItem& item);
+    /** `readInto` has the bytes of a file read into what it is given. */
+    OperatorFile(const std::string& name, const std::function<void(const XmlFeed&)>& readInto);
     std::string nearest(const Plmn& plmn) const;
 
     std::string fileName;

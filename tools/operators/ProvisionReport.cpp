@@ -162,9 +162,8 @@ Names odditiesOf(const Json& document, bool isExplained) {
 /** What is wrong with a second run: it changed something, or tried more than to fill a full table.
  */
 Names secondRun(Workbench& bench, const Operator& candidate) {
-    Provisioner again(bench, candidate);
-    again.run();
-    const Json document = again.document();
+    const Provisioned again = provisionModem(bench, candidate);
+    const Json& document = again.document;
     const auto changes = changesBetween(again.before, again.after, true);
     if (changes.empty() && document["requests"] == document["refusals"].size()) {
         return {};
@@ -179,9 +178,7 @@ Json provisionFresh(const Operator& candidate, const SurveyOptions& options) {
     if (bench.modem().keepsMemory()) {
         throw badUsage("provision --all uses fresh modems; this one keeps what it holds");
     }
-    Provisioner provisioner(bench, candidate);
-    provisioner.run();
-    Json document = provisioner.document();
+    Json document = provisionModem(bench, candidate).document;
     document["wrong"] = options.isTwice ? secondRun(bench, candidate) : Names();
     for (const std::string& line : bench.disagreements()) {
         document["wrong"].push_back("library and modem disagree: " + line);
@@ -233,14 +230,12 @@ void tellTotals(Output& output, const OperatorFile& file, const Json& totals) {
 
 std::string provisionOne(Output& output, Workbench& bench, const Operator& candidate,
                          const OperatorFile& file, bool isExplained) {
-    Provisioner provisioner(bench, candidate);
-    provisioner.run();
-    const Json document = masked(provisioner.document(), output.showSecrets());
-    const auto changes =
-        changesBetween(provisioner.before, provisioner.after, output.showSecrets());
+    const Provisioned done = provisionModem(bench, candidate);
+    const Json document = masked(done.document, output.showSecrets());
+    const auto changes = changesBetween(done.before, done.after, output.showSecrets());
     output.line("Operator " + candidate.name() + ", " + printable(candidate.carrier()) + ": " +
                 counted(candidate.entries.size(), "entry") + '.');
-    output.profiles("Before:", provisioner.before);
+    output.profiles("Before:", done.before);
     output.line("Entries:");
     for (const Json& entry : document["entries"]) {
         output.line("  " + entryText(entry, isExplained));
@@ -260,12 +255,12 @@ std::string provisionOne(Output& output, Workbench& bench, const Operator& candi
         output.changes(rewritten);
     }
     if (!changes.empty()) {
-        output.profiles("After:", provisioner.after);
+        output.profiles("After:", done.after);
     }
     output.document().update(document);
-    output.document().update({{"before", output.toJson(provisioner.before)},
+    output.document().update({{"before", output.toJson(done.before)},
                               {"changes", changes},
-                              {"after", output.toJson(provisioner.after)},
+                              {"after", output.toJson(done.after)},
                               {"file_oddities", file.oddities()}});
     Names failures = failuresOf(document);
     if (countOf(document, "refused") == candidate.entries.size()) {

@@ -2,10 +2,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "operators/Provisioner.h"
 
+#include <vela/Util.h>
+
 #include <algorithm>
 #include <iterator>
+#include <list>
+#include <map>
+#include <memory>
 #include <set>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "profiles/ProfileRecord.h"
 #include "profiles/Text.h"
@@ -53,8 +60,9 @@ bool isHeldBy(const Json& held, const Json& asked) {
     });
 }
 
-std::list<ProfileParams> requestsOf(const std::vector<const OperatorEntry*>& entries, bool hasTypes,
-                                    bool hasClass) {
+using Entries = std::vector<const OperatorEntry*>;
+
+std::list<ProfileParams> requestsOf(const Entries& entries, bool hasTypes, bool hasClass) {
     std::list<ProfileParams> list;
     for (const OperatorEntry* entry : entries) {
         list.push_back(entry->profile(hasTypes, hasClass));
@@ -62,266 +70,300 @@ std::list<ProfileParams> requestsOf(const std::vector<const OperatorEntry*>& ent
     return list;
 }
 
+const ProfileRecord* recordIn(const ProfileRecords& records, int index) {
+    return findRecord(records, TechType::TECH_3GPP, index);
+}
+
+class Provisioner {
+  public:
+    Provisioner(Workbench& bench, const Operator& candidate)
+        : bench(bench), candidate(candidate), attachEntry(candidate.attachEntry()) {}
+
+    Provisioned run() {
+        bench.takeTraffic();
+        result.before = bench.modemProfiles();
+        sift();
+        if (!owners.empty()) {
+            policies.updateModemProfileByApnClass(requestsOf(owners, false, true), {});
+        }
+        if (attachEntry != nullptr && !findAttach()) {
+            provideAttach();
+        }
+        for (const OperatorEntry* entry : distinct) {
+            if (!isOwner(*entry)) {
+                holders[entry] = provide(*entry);
+            }
+        }
+        distributeTypes();
+        if (attachEntry != nullptr) {
+            keepAttach();
+        }
+        collectTraffic();
+        result.after = bench.modemProfiles();
+        settle();
+        tell();
+        return std::move(result);
+    }
+
+  private:
+    using Key = std::shared_ptr<vela::IProfileKey>;
+    /** The 3GPP profile that holds something; 0, and the reason: none does. */
+    struct Holder {
+        int index = 0;
+        std::string reason = {};
+    };
+
+    /** Repetitions need nothing of their own, and a class has the first entry that asks for it as
+     * its owner. */
+    void sift() {
+        std::map<std::string, const OperatorEntry*> known;
+        std::set<Json> classes{Json()};
+        for (const OperatorEntry& entry : candidate.entries) {
+            if (!entry.isUsable()) {
+                continue;
+            }
+            first[&entry] = known.emplace(entry.wanted(true, true).dump(), &entry).first->second;
+            if (first[&entry] == &entry) {
+                distinct.push_back(&entry);
+                if (classes.insert(entry.apnClass).second) {
+                    owners.push_back(&entry);
+                }
+            }
+        }
+    }
+
+    void distributeTypes() {
+        policies.updateAPNTypeBitmaskOnModemProfile(requestsOf(distinct, true, false));
+    }
+
+    static vela::FilterProfileParams named(const OperatorEntry& entry) {
+        vela::FilterProfileParams filter;
+        filter.setFilterByTechType(TechType::TECH_3GPP);
+        filter.setApnName(entry.apnName());
+        return filter;
+    }
+
+    /** Whether the library finds a profile that can serve the attach. */
+    bool findAttach() {
+        const auto keys = bench.manager().filter(named(*attachEntry));
+        const auto found = std::find_if(keys.begin(), keys.end(), [this](const Key& key) {
+            return policies.matchLteAttachProfileId(key->getProfileId(),
+                                                    attachEntry->profile(false, false));
+        });
+        canServe = found != keys.end();
+        if (canServe && attach.index == 0) {
+            attach.index = (*found)->getProfileId();
+            attachOutcome = "serves";
+        }
+        return canServe;
+    }
+
+    void provideAttach() {
+        const ProfileRecords old = bench.modemProfiles();
+        attach =
+            holderOf(policies.findOrCreateProfileForLteAttach(attachEntry->profile(false, false)));
+        attachOutcome = recordIn(old, attach.index) != nullptr ? "found" : "created";
+    }
+
+    /** Of a profile that somebody else made with an odd mix of IP types, any change can change how
+     * it roams, and with that whether it serves the attach. */
+    void keepAttach() {
+        constexpr int kTries = 2;
+        const bool isThere = attach.index != 0;
+        for (int i = 0; !findAttach() && isThere && i < kTries; ++i) {
+            provideAttach();
+            distributeTypes();
+        }
+    }
+
+    /** The profile with the lowest index that has the entry's settings, or a new one. */
+    Holder provide(const OperatorEntry& entry) {
+        for (const ProfileRecord& record : bench.libraryProfiles(named(entry))) {
+            if (isHeldBy(record.fields, entry.fields)) {
+                return {record.index};
+            }
+        }
+        return holderOf(bench.manager().addProfile(
+            {entry.profile(true, false), true, TechType::TECH_3GPP, false}));
+    }
+
+    Holder holderOf(const Key& key) {
+        return key ? Holder{key->getProfileId()} : Holder{0, collectTraffic()};
+    }
+
+    /** Counts what has been sent, and says why the last of it that failed did. */
+    std::string collectTraffic() {
+        Traffic traffic = bench.takeTraffic();
+        writes += traffic.writes;
+        std::move(traffic.failures.begin(), traffic.failures.end(), std::back_inserter(refusals));
+        return refusals.empty() ? "the library did not say why" : refusals.back();
+    }
+
+    bool isOwner(const OperatorEntry& entry) const {
+        return std::find(owners.begin(), owners.end(), &entry) != owners.end();
+    }
+
+    /** Lets go of profiles that are gone, finds those of the owners, and whom each is for. */
+    void settle() {
+        for (const OperatorEntry* owner : owners) {
+            holders[owner] = holderOfClass(*owner);
+            makers.emplace(holders[owner].index, owner);
+        }
+        const auto letGo = [this](Holder& holder) {
+            if (recordIn(result.after, holder.index) == nullptr && holder.index != 0) {
+                holder = {0, "profile " + std::to_string(holder.index) + " is no longer there"};
+            }
+        };
+        letGo(attach);
+        if (attachOutcome == "created") {
+            makers.emplace(attach.index, attachEntry);
+        }
+        for (const OperatorEntry* entry : distinct) {
+            letGo(holders[entry]);
+            makers.emplace(holders[entry].index, entry);
+            servedTypes[holders[entry].index] |= entry->types;
+        }
+    }
+
+    /** The profile of its name and class. */
+    Holder holderOfClass(const OperatorEntry& entry) const {
+        for (const ProfileRecord& record : result.after) {
+            if (record.tech == TechType::TECH_3GPP &&
+                record.fields.value("class", Json()) == entry.apnClass &&
+                sameLetters(record.apnName(), entry.apnName())) {
+                return {record.index};
+            }
+        }
+        return {0, "no profile of its class"};
+    }
+
+    void tell() {
+        Json entries = Json::array();
+        for (const OperatorEntry& entry : candidate.entries) {
+            entries.push_back(entryAsJson(entry));
+        }
+        Json profiles = Json::array();
+        for (const ProfileRecord& record : result.after) {
+            profiles.push_back(profileAsJson(record, entries));
+        }
+        result.document = {{"operator", candidate.name()}, {"carrier", candidate.carrier()},
+                           {"entries", entries},           {"attach", attachAsJson()},
+                           {"profiles", profiles},         {"requests", writes},
+                           {"refusals", refusals}};
+    }
+
+    Json entryAsJson(const OperatorEntry& entry) const {
+        const bool isUsable = entry.isUsable();
+        const OperatorEntry& asked = isUsable ? *first.at(&entry) : entry;
+        const Holder holder = isUsable ? holders.at(&asked) : Holder{0, entry.refusal};
+        const std::string outcome = isUsable ? outcomeOf(entry, holder.index) : "refused";
+        const bool isOwned = isOwner(asked);
+        return {{"line", entry.line},
+                {"carrier", entry.carrier},
+                {"outcome", outcome},
+                {"index", valueOrNull(holder.index)},
+                {"shared_with_line",
+                 outcome == "shared" ? Json(makers.at(holder.index)->line) : Json()},
+                {"reason", valueOrNull(holder.reason)},
+                {"owns_class", isOwner(entry)},
+                {"class_is_taken", isUsable && !entry.apnClass.is_null() && !isOwned},
+                {"differences", differences(entry, holder.index, isOwned)},
+                {"wanted", toJson(entry.wanted(true, true), true)},
+                {"notes", entry.notes},
+                {"not_sent", entry.notSent}};
+    }
+
+    std::string outcomeOf(const OperatorEntry& entry, int index) const {
+        if (index == 0) {
+            return "missing";
+        }
+        const ProfileRecord* old = recordIn(result.before, index);
+        if (old == nullptr) {
+            return makers.at(index) == &entry ? "added" : "shared";
+        }
+        Json changes =
+            differencesOf(old->fields, recordIn(result.after, index)->fields, "old", "new");
+        changes.erase("types");  // which are all entries' affair
+        return changes.empty() ? "held" : "rewritten";
+    }
+
+    Json attachAsJson() const {
+        const bool isAsked = attachEntry != nullptr;
+        return {{"outcome", isAsked && attach.index == 0 ? "missing" : attachOutcome},
+                {"line", isAsked ? Json(attachEntry->line) : Json()},
+                {"index", valueOrNull(attach.index)},
+                {"reason", valueOrNull(attach.reason)},
+                {"can_serve", isAsked ? Json(canServe) : Json()},
+                {"differences",
+                 isAsked ? differences(*attachEntry, attach.index, false) : Json::object()}};
+    }
+
+    /** What a profile is not that it is to be for an entry: with the types of all entries that
+     * share it, and with a class that is another entry's only if it has that. */
+    Json differences(const OperatorEntry& entry, int index, bool ownsClass) const {
+        const ProfileRecord* record = recordIn(result.after, index);
+        if (record == nullptr) {
+            return Json::object();
+        }
+        const bool hasClass = record->fields.value("class", Json()) == entry.apnClass;
+        const auto served = servedTypes.find(index);
+        OperatorEntry all = entry;
+        all.types |= served == servedTypes.end() ? 0U : served->second;
+        return differencesBetween(record->fields, all.wanted(true, ownsClass || hasClass));
+    }
+
+    Json profileAsJson(const ProfileRecord& record, const Json& entries) const {
+        const bool is3gpp = record.tech == TechType::TECH_3GPP;
+        const bool isForAttach = is3gpp && attach.index == record.index;
+        Json lines = Json::array();
+        for (const Json& entry : entries) {
+            if (is3gpp && entry["index"] == record.index) {
+                lines.push_back(entry["line"]);
+            }
+        }
+        const bool isUnused = !isForAttach && lines.empty();
+        const auto like = std::find_if(distinct.begin(), distinct.end(), [&](const auto* entry) {
+            return isUnused && is3gpp && isHeldBy(record.fields, entry->fields);
+        });
+        const Json name{{"apn", record.fields.value("apn", Json())}};
+        return {{"technology", word(record.tech)},
+                {"index", record.index},
+                {"apn", record.apnName()},
+                {"lines", lines},
+                {"attach", isForAttach},
+                {"like_line", like == distinct.end() ? Json() : Json((*like)->line)},
+                {"left_over", isUnused ? differencesBetween(record.fields, name) : Json::object()}};
+    }
+
+    Workbench& bench;
+    const Operator& candidate;
+    Provisioned result;
+    vela::Util policies;
+
+    /** Of all usable entries that ask for the same the first, by each of them. */
+    std::map<const OperatorEntry*, const OperatorEntry*> first;
+    /** Those, in the file's order; and of them the first that ask for a class each. */
+    Entries distinct;
+    Entries owners;
+    std::map<const OperatorEntry*, Holder> holders;
+
+    const OperatorEntry* const attachEntry;  // whose settings the attach is to have
+    Holder attach;
+    std::string attachOutcome = "not asked for";
+    bool canServe = false;  // whether the library finds that a profile can serve the attach
+
+    std::size_t writes = 0;
+    std::vector<std::string> refusals;
+
+    // By index: the entry that a new profile was made for, the types of all that it serves.
+    std::map<int, const OperatorEntry*> makers;
+    std::map<int, unsigned int> servedTypes;
+};
+
 }  // namespace
 
-void Provisioner::run() {
-    bench.takeTraffic();
-    before = bench.modemProfiles();
-    sift();
-    if (!owners.empty()) {
-        policies.updateModemProfileByApnClass(requestsOf(owners, false, true), {});
-    }
-    if (!findAttach()) {
-        provideAttach();
-    }
-    for (const OperatorEntry* entry : distinct) {
-        if (!isOwner(*entry)) {
-            holders[entry] = provide(*entry);
-        }
-    }
-    distributeTypes();
-    keepAttach();
-    collectTraffic();
-    after = bench.modemProfiles();
-    settle();
-}
-
-/** Repetitions need nothing of their own, and a class has the first entry that asks for it as its
- * owner. */
-void Provisioner::sift() {
-    std::map<std::string, const OperatorEntry*> known;
-    for (const OperatorEntry& entry : candidate.entries) {
-        if (!entry.isUsable()) {
-            continue;
-        }
-        first[&entry] = known.emplace(entry.wanted(true, true).dump(), &entry).first->second;
-        if (first[&entry] != &entry) {
-            continue;
-        }
-        distinct.push_back(&entry);
-        const bool isTaken = std::any_of(owners.begin(), owners.end(), [&](const auto* owner) {
-            return owner->apnClass == entry.apnClass;
-        });
-        if (!entry.apnClass.is_null() && !isTaken) {
-            owners.push_back(&entry);
-        }
-    }
-}
-
-void Provisioner::distributeTypes() {
-    policies.updateAPNTypeBitmaskOnModemProfile(requestsOf(distinct, true, false));
-}
-
-auto Provisioner::profilesNamed(const OperatorEntry& entry) -> std::list<Key> {
-    vela::FilterProfileParams filter;
-    filter.setFilterByTechType(TechType::TECH_3GPP);
-    filter.setApnName(entry.apnName());
-    return bench.manager().filter(filter);
-}
-
-bool Provisioner::findAttach() {
-    canServe = false;
-    if (attachEntry == nullptr) {
-        return false;
-    }
-    for (const Key& key : profilesNamed(*attachEntry)) {
-        if (policies.matchLteAttachProfileId(key->getProfileId(),
-                                             attachEntry->profile(false, false))) {
-            canServe = true;
-            if (attach.index == 0) {
-                attach.index = key->getProfileId();
-                attachOutcome = "serves";
-            }
-            return true;
-        }
-    }
-    return false;
-}
-
-void Provisioner::provideAttach() {
-    if (attachEntry == nullptr) {
-        return;
-    }
-    const ProfileRecords old = bench.modemProfiles();
-    attach = holderOf(policies.findOrCreateProfileForLteAttach(attachEntry->profile(false, false)));
-    const bool isFound = findRecord(old, TechType::TECH_3GPP, attach.index) != nullptr;
-    attachOutcome = isFound ? "found" : "created";
-}
-
-void Provisioner::keepAttach() {
-    constexpr int kTries = 2;
-    const bool isThere = attach.index != 0;
-    for (int i = 0; !findAttach() && isThere && i < kTries; ++i) {
-        provideAttach();
-        distributeTypes();
-    }
-}
-
-auto Provisioner::provide(const OperatorEntry& entry) -> Holder {
-    int lowest = 0;
-    for (const Key& key : profilesNamed(entry)) {
-        const auto params = bench.manager().getProfile(key);
-        const int index = key->getProfileId();
-        if (params && (lowest == 0 || index < lowest) &&
-            isHeldBy(fieldsOf(*params), entry.fields)) {
-            lowest = index;
-        }
-    }
-    return lowest != 0 ? Holder{lowest}
-                       : holderOf(bench.manager().addProfile(
-                             {entry.profile(true, false), true, TechType::TECH_3GPP, false}));
-}
-
-auto Provisioner::holderOf(const Key& key) -> Holder {
-    return key ? Holder{key->getProfileId()} : Holder{0, collectTraffic()};
-}
-
-std::string Provisioner::collectTraffic() {
-    Traffic traffic = bench.takeTraffic();
-    writes += traffic.writes;
-    std::move(traffic.failures.begin(), traffic.failures.end(), std::back_inserter(refusals));
-    return refusals.empty() ? "the library did not say why" : refusals.back();
-}
-
-bool Provisioner::isOwner(const OperatorEntry& entry) const {
-    return std::find(owners.begin(), owners.end(), &entry) != owners.end();
-}
-
-/** Lets go of profiles that are gone, finds those of the owners, and whom each is for. */
-void Provisioner::settle() {
-    for (const OperatorEntry* owner : owners) {
-        holders[owner] = holderOfClass(*owner);
-        makers.emplace(holders[owner].index, owner);
-    }
-    const auto letGo = [this](Holder& holder) {
-        if (findRecord(after, TechType::TECH_3GPP, holder.index) == nullptr && holder.index != 0) {
-            holder = {0, "profile " + std::to_string(holder.index) + " is no longer there"};
-        }
-    };
-    letGo(attach);
-    if (attachOutcome == "created") {
-        makers.emplace(attach.index, attachEntry);
-    }
-    for (const OperatorEntry* entry : distinct) {
-        letGo(holders[entry]);
-        makers.emplace(holders[entry].index, entry);
-        servedTypes[holders[entry].index] |= entry->types;
-    }
-}
-
-/** The profile of its name and class. */
-auto Provisioner::holderOfClass(const OperatorEntry& entry) const -> Holder {
-    for (const ProfileRecord& record : after) {
-        if (record.tech == TechType::TECH_3GPP &&
-            record.fields.value("class", Json()) == entry.apnClass &&
-            sameLetters(record.apnName(), entry.apnName())) {
-            return {record.index};
-        }
-    }
-    return {0, "no profile of its class"};
-}
-
-Json Provisioner::document() const {
-    Json entries = Json::array();
-    for (const OperatorEntry& entry : candidate.entries) {
-        entries.push_back(entryAsJson(entry));
-    }
-    Json profiles = Json::array();
-    for (const ProfileRecord& record : after) {
-        profiles.push_back(profileAsJson(record, entries));
-    }
-    return {{"operator", candidate.name()}, {"carrier", candidate.carrier()}, {"entries", entries},
-            {"attach", attachAsJson()},     {"profiles", profiles},           {"requests", writes},
-            {"refusals", refusals}};
-}
-
-Json Provisioner::entryAsJson(const OperatorEntry& entry) const {
-    const bool isUsable = entry.isUsable();
-    const OperatorEntry& asked = isUsable ? *first.at(&entry) : entry;
-    const Holder holder = isUsable ? holders.at(&asked) : Holder{0, entry.refusal};
-    const std::string outcome = isUsable ? outcomeOf(entry, holder.index) : "refused";
-    const bool isOwned = isOwner(asked);
-    return {
-        {"line", entry.line},
-        {"carrier", entry.carrier},
-        {"outcome", outcome},
-        {"index", valueOrNull(holder.index)},
-        {"shared_with_line", outcome == "shared" ? Json(makers.at(holder.index)->line) : Json()},
-        {"reason", valueOrNull(holder.reason)},
-        {"owns_class", isOwner(entry)},
-        {"class_is_taken", isUsable && !entry.apnClass.is_null() && !isOwned},
-        {"differences", differences(entry, holder.index, isOwned)},
-        {"wanted", toJson(entry.wanted(true, true), true)},
-        {"notes", entry.notes},
-        {"not_sent", entry.notSent}};
-}
-
-std::string Provisioner::outcomeOf(const OperatorEntry& entry, int index) const {
-    if (index == 0) {
-        return "missing";
-    }
-    if (findRecord(before, TechType::TECH_3GPP, index) != nullptr) {
-        return isRewritten(index) ? "rewritten" : "held";
-    }
-    return makers.at(index) == &entry ? "added" : "shared";
-}
-
-/** Whether more than the profile's types has changed: those are all entries' affair. */
-bool Provisioner::isRewritten(int index) const {
-    const auto changes = changesBetween(before, after, true);
-    return std::any_of(changes.begin(), changes.end(), [index](const Json& change) {
-        const Json& fields = change["fields"];
-        return change["technology"] == "3GPP" && change["index"] == index &&
-               fields.size() > fields.count("types");
-    });
-}
-
-Json Provisioner::attachAsJson() const {
-    const bool isAsked = attachEntry != nullptr;
-    return {
-        {"outcome", isAsked && attach.index == 0 ? "missing" : attachOutcome},
-        {"line", isAsked ? Json(attachEntry->line) : Json()},
-        {"index", valueOrNull(attach.index)},
-        {"reason", valueOrNull(attach.reason)},
-        {"can_serve", isAsked ? Json(canServe) : Json()},
-        {"differences", isAsked ? differences(*attachEntry, attach.index, false) : Json::object()}};
-}
-
-/** What a profile is not that it is to be for an entry: with the types of all entries that share
- * it, and with a class that is another entry's only if it has that. */
-Json Provisioner::differences(const OperatorEntry& entry, int index, bool ownsClass) const {
-    const ProfileRecord* record = findRecord(after, TechType::TECH_3GPP, index);
-    if (record == nullptr) {
-        return Json::object();
-    }
-    const bool hasClass = record->fields.value("class", Json()) == entry.apnClass;
-    const auto served = servedTypes.find(index);
-    OperatorEntry all = entry;
-    all.types |= served == servedTypes.end() ? 0U : served->second;
-    return differencesBetween(record->fields, all.wanted(true, ownsClass || hasClass));
-}
-
-Json Provisioner::profileAsJson(const ProfileRecord& record, const Json& entries) const {
-    const bool is3gpp = record.tech == TechType::TECH_3GPP;
-    const bool isForAttach = is3gpp && attach.index == record.index;
-    Json lines = Json::array();
-    for (const Json& entry : entries) {
-        if (is3gpp && entry["index"] == record.index) {
-            lines.push_back(entry["line"]);
-        }
-    }
-    const bool isUnused = !isForAttach && lines.empty();
-    const auto like = std::find_if(distinct.begin(), distinct.end(), [&](const auto* entry) {
-        return isUnused && is3gpp && isHeldBy(record.fields, entry->fields);
-    });
-    const Json name{{"apn", record.fields.value("apn", Json())}};
-    return {{"technology", word(record.tech)},
-            {"index", record.index},
-            {"apn", record.apnName()},
-            {"lines", lines},
-            {"attach", isForAttach},
-            {"like_line", like == distinct.end() ? Json() : Json((*like)->line)},
-            {"left_over", isUnused ? differencesBetween(record.fields, name) : Json::object()}};
+Provisioned provisionModem(Workbench& bench, const Operator& candidate) {
+    return Provisioner(bench, candidate).run();
 }
 
 }  // namespace velactl
