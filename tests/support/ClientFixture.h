@@ -135,11 +135,11 @@ class ClientFixture : public testing::Test {
         return dumped(client, "Cache:", ": ");
     }
     std::vector<std::string> cached() { return cached(manager); }
-    std::vector<std::string> pending() { return dumped(manager, "Pending:", "  "); }
 
-    /** The client holds what one sees that has just read the modem. */
+    /** The client holds what one sees that has just read the modem, and waits for nothing. */
     void expectCacheEqualsModem() {
         settle();
+        EXPECT_THAT(dumped(manager, "Pending:", "  "), testing::IsEmpty());
         Manager other;
         connect(other);
         EXPECT_EQ(cached(other).size(), profilesInModem());

@@ -59,7 +59,7 @@ inline std::string settingName(const std::string& name) {
     static const auto pairs = pairsOf(
         "apn=apn_name user=user_name pdp=pdp_type lte=lte_roaming_pdp_type name=profile_name "
         "umts=umts_roaming_pdp_type types=apn_type_mask class=apn_class stays=persistence_flag "
-        "sos=emergency_calls_support");
+        "sos=emergency_calls_support home=override_home_pdp_type");
     static const std::map<std::string, std::string> names(pairs.begin(), pairs.end());
     const auto found = names.find(name);
     return found == names.end() ? name : found->second;
@@ -95,40 +95,50 @@ inline std::string valuesOf(const velasim::Settings& settings, const std::string
     return values;
 }
 
-template <typename Value>
-auto setterOf(void (ProfileParams::*set)(Value)) {
-    return [set](ProfileParams& params, const std::string& text) {
+template <typename Params, typename Value>
+auto setterOf(void (Params::*set)(Value)) {
+    return [set](FilterProfileParams& filter, const std::string& text) {
         if constexpr (std::is_same_v<Value, std::string>) {
-            (params.*set)(text);
+            (filter.*set)(text);
         } else {
-            (params.*set)(static_cast<Value>(std::stoi(text)));
+            (filter.*set)(static_cast<Value>(std::stoi(text)));
         }
     };
 }
 
-/** Parameters by short names: "apn=net user=bob home=3"; numbers are the enumerators'. */
-inline ProfileParams paramsOf(const std::string& line) {
-    using Setter = std::function<void(ProfileParams&, const std::string&)>;
-    static const std::map<std::string, Setter> setters{
-        {"apn", setterOf(&ProfileParams::setApnName)},
-        {"user", setterOf(&ProfileParams::setUserName)},
-        {"pw", setterOf(&ProfileParams::setPassword)},
-        {"auth", setterOf(&ProfileParams::setAuthType)},
-        {"home", setterOf(&ProfileParams::setHomeIPType)},
-        {"roam", setterOf(&ProfileParams::setRoamIPType)},
-        {"mask", setterOf(&ProfileParams::setApnTypesMask)},
-        {"class", setterOf(&ProfileParams::setApnClass)},
-        {"clat", setterOf(&ProfileParams::setIsClatEnabled)},
-        {"emergency", setterOf(&ProfileParams::setIsEmergencySupported)},
-        {"disabled", setterOf(&ProfileParams::setIsApnDisabled)},
-        {"block", setterOf(&ProfileParams::setMaxPdnsConnPerBlock)},
-        {"timer", setterOf(&ProfileParams::setMaxPdnConnTimer)},
-        {"wait", setterOf(&ProfileParams::setPdnReqWaitInterval)}};
-    ProfileParams params;
+/** A filter by short names: "tech=1 apn=net home=3 criteria=4"; numbers are the enumerators'. */
+inline FilterProfileParams filterOf(const std::string& line) {
+    using Filter = FilterProfileParams;
+    static const std::map<std::string, std::function<void(Filter&, const std::string&)>> setters{
+        {"criteria", setterOf(&Filter::addFilterMatchCriteria)},
+        {"tech", setterOf(&Filter::setFilterByTechType)},
+        {"id", setterOf(&Filter::setFilterByProfileId)},
+        {"ia", setterOf(&Filter::setFilterByIsIAProfile)},
+        {"vela", setterOf(&Filter::setFilterByIsVelaProfile)},
+        {"apn", setterOf(&Filter::setApnName)},
+        {"user", setterOf(&Filter::setUserName)},
+        {"pw", setterOf(&Filter::setPassword)},
+        {"auth", setterOf(&Filter::setAuthType)},
+        {"home", setterOf(&Filter::setHomeIPType)},
+        {"roam", setterOf(&Filter::setRoamIPType)},
+        {"mask", setterOf(&Filter::setApnTypesMask)},
+        {"class", setterOf(&Filter::setApnClass)},
+        {"clat", setterOf(&Filter::setIsClatEnabled)},
+        {"emergency", setterOf(&Filter::setIsEmergencySupported)},
+        {"disabled", setterOf(&Filter::setIsApnDisabled)},
+        {"block", setterOf(&Filter::setMaxPdnsConnPerBlock)},
+        {"timer", setterOf(&Filter::setMaxPdnConnTimer)},
+        {"wait", setterOf(&Filter::setPdnReqWaitInterval)}};
+    FilterProfileParams filter;
     for (const auto& [name, value] : pairsOf(line)) {
-        setters.at(name)(params, value);
+        setters.at(name)(filter, value);
     }
-    return params;
+    return filter;
+}
+
+/** The same as parameters of a profile. */
+inline ProfileParams paramsOf(const std::string& line) {
+    return filterOf(line);
 }
 
 inline std::list<ProfileParams> listOf(const std::string& entries) {

@@ -8,65 +8,42 @@
 
 #include "LogCapture.h"
 #include "MessageBytes.h"
+#include "TextTables.h"
 
 namespace vela {
 namespace {
 
 TEST(Modem3gpp2ProfileTest, MatchesNoSelectorAndCountsAnAbsentTypeAsNoBits) {
     const Modem3gpp2Profile profile{ProfileParams()};
-    FilterProfileParams ia;
-    ia.setFilterByIsIAProfile(false);
-    EXPECT_FALSE(profile.match(ia));
-    FilterProfileParams vela;
-    vela.setFilterByIsVelaProfile(false);
-    EXPECT_FALSE(profile.match(vela));
-    FilterProfileParams home;
-    home.setHomeIPType(IPType::V4);
-    EXPECT_FALSE(profile.match(home));
-    home.addFilterMatchCriteria(16);
-    EXPECT_TRUE(profile.match(home));
+    for (const char* const filter : {"ia=0", "vela=0", "home=1"}) {
+        EXPECT_FALSE(profile.match(filterOf(filter))) << filter;
+    }
+    EXPECT_TRUE(profile.match(filterOf("home=1 criteria=16")));
 }
 
 TEST(Modem3gpp2ProfileTest, RoamingHasNoPlaceInIt) {
-    ProfileParams params;
-    params.setHomeIPType(IPType::V6);
-    params.setRoamIPType(IPType::V4);
-    const Modem3gpp2Profile profile(params);
+    const Modem3gpp2Profile profile(paramsOf("home=2 roam=1"));
     EXPECT_EQ(profile.get().dump(), "HomeIPType=V6,");
-    ModifyProfileParams modify;
-    modify.setRoamIPType(IPType::V6);
-    EXPECT_FALSE(profile.diff(modify));
+    EXPECT_FALSE(profile.diff(ModifyProfileParams(paramsOf("roam=2"))));
 }
 
 TEST(Modem3gpp2ProfileTest, CreateMessageWritesBothLevels) {
     for (const int auth : {3, 0, 4}) {
-        ProfileParams params;
-        params.setApnName(std::string(160, 'A'));
-        params.setHomeIPType(IPType::V6);
-        params.setAuthType(static_cast<AuthType>(auth));
-        params.setApnClass(ApnClass::ADMN);
-        params.setUserName("Bob");
-        params.setPassword(std::string(128, 'p'));
-
-        const int protocol = auth == 3 ? 3 : 0;
+        const Modem3gpp2Profile profile(
+            paramsOf("home=2 class=2 user=Bob auth=" + std::to_string(auth) +
+                     " apn=" + std::string(160, 'A') + " pw=" + std::string(128, 'p')));
+        const std::string password(127, 'p');
+        const std::string protocol = auth == 3 ? "3" : "0";
         wds_create_profile_req_msg_v01 expected;
         std::memset(&expected, 0, sizeof(expected));
         expected.profile_type = WDS_PROFILE_TYPE_3GPP2_V01;
-        auto& to = expected.settings;
-        to.persistence_flag_valid = 1;
-        to.apn_string_3gpp2_valid = 1, std::memset(to.apn_string_3gpp2, 'a', 150);
-        to.pdn_type_3gpp2_valid = 1, to.pdn_type_3gpp2 = WDS_PROFILE_PDN_TYPE_IPV6_V01;
-        to.authentication_protocol_valid = to.pdn_level_authentication_protocol_valid = 1;
-        std::memcpy(&to.authentication_protocol, &protocol, sizeof(protocol));
-        std::memcpy(&to.pdn_level_authentication_protocol, &protocol, sizeof(protocol));
-        to.apn_class_3gpp2_valid = 1, to.apn_class_3gpp2 = 2;
-        to.user_id_valid = to.pdn_level_user_id_valid = 1;
-        std::memcpy(to.user_id, "Bob", 3), std::memcpy(to.pdn_level_user_id, "Bob", 3);
-        to.authentication_password_valid = to.pdn_level_authentication_password_valid = 1;
-        std::memset(to.authentication_password, 'p', 127);
-        std::memset(to.pdn_level_authentication_password, 'p', 127);
-        const auto request = Modem3gpp2Profile(params).constructAddRequest();
-        EXPECT_TRUE(bytesOf(request) == bytesOf(expected)) << auth;
+        expected.settings = settingsOf(
+            "stays=0 pdn_type_3gpp2=1 apn_class_3gpp2=2 user_id=Bob pdn_level_user_id=Bob "
+            "authentication_protocol=" +
+            protocol + " pdn_level_authentication_protocol=" + protocol +
+            " authentication_password=" + password + " pdn_level_authentication_password=" +
+            password + " apn_string_3gpp2=" + std::string(150, 'a'));
+        EXPECT_TRUE(bytesOf(profile.constructAddRequest()) == bytesOf(expected)) << auth;
     }
 }
 

@@ -9,119 +9,72 @@
 #include "LogCapture.h"
 #include "MessageBytes.h"
 #include "Modem3gpp2Profile.h"
+#include "TextTables.h"
 
 namespace vela {
 namespace {
 
-constexpr int kNone = -1;
-
-template <typename Target>
-void set(Target& target, void (Target::*setter)(IPType), int value) {
-    if (value != kNone) {
-        (target.*setter)(static_cast<IPType>(value));
-    }
+/** A profile of which the modem has told these settings, in its own numbers. */
+Modem3gppProfile told(const std::string& settings) {
+    wds_get_profile_settings_resp_msg_v01 response{};
+    response.settings = settingsOf(settings);
+    return Modem3gppProfile(4, response);
 }
-
-ProfileParams ipTypes(int home, int roam) {
-    ProfileParams params;
-    set(params, &ProfileParams::setHomeIPType, home);
-    set(params, &ProfileParams::setRoamIPType, roam);
-    return params;
-}
-
-struct StoredIPTypes {
-    int common, overrideHome, lte, umts;
-
-    void store(Modem3gppProfile& profile) const {
-        set<ModemProfile>(profile, &ModemProfile::setCommonIPType, common);
-        set(profile, &Modem3gppProfile::setOverrideHomeIPType, overrideHome);
-        set(profile, &Modem3gppProfile::setLteRoamIPType, lte);
-        set(profile, &Modem3gppProfile::setUmtsRoamIPType, umts);
-    }
-};
 
 std::string dumpOf(const std::string& fields, int profileId = -1) {
     return "TechType=3GPP,ProfileId=" + std::to_string(profileId) + "," + fields;
 }
 
+// Rows: what the modem has | changes | what is written.
 TEST(Modem3gppProfileTest, ChangesIPTypesTogether) {
-    const std::string different =
-        dumpOf("CommonIPType=V4V6,OverrideHomeIPType=V4,LteRoamIP=V6,UmtsRoamIP=V6,");
-    EXPECT_EQ(Modem3gppProfile(ipTypes(1, 2)).dump(), different);
-    EXPECT_EQ(Modem3gppProfile(ipTypes(2, 2)).dump(),
-              dumpOf("CommonIPType=V6,LteRoamIP=V6,UmtsRoamIP=V6,"));
-    const struct {
-        StoredIPTypes stored;
-        int home, roam;
-        std::string difference;
-    } table[] = {
-        {{3, 2, 1, 1}, 1, 1, dumpOf("CommonIPType=V4,OverrideHomeIPType=UNKNOWN,")},
-        {{3, 1, 2, 2}, 2, kNone, dumpOf("CommonIPType=V6,OverrideHomeIPType=UNKNOWN,")},
-        {{1, kNone, 1, 1}, kNone, 2, different},
-        {{kNone, kNone, 1, 1}, kNone, 2, dumpOf("LteRoamIP=V6,UmtsRoamIP=V6,")},
-        {{1, kNone, 1, 2}, 2, kNone, dumpOf("CommonIPType=V6,")},
-        {{1, kNone, 1, 2}, kNone, 1, dumpOf("UmtsRoamIP=V4,")},
-        {{1, kNone, 2, 1}, kNone, 1, dumpOf("LteRoamIP=V4,")},
-        // Roaming types that disagree are nothing to hold the override against.
-        {{3, 2, 1, 2}, kNone, kNone, dumpOf("CommonIPType=V6,")},
-        {{1, 0, 1, 1}, 1, 1, ""},
-    };
-    for (const auto& row : table) {
-        Modem3gppProfile profile{ProfileParams()};
-        profile.setProfileId(4);
-        profile.setProfileName("vela_profile");
-        row.stored.store(profile);
-        const auto difference = profile.diff(ModifyProfileParams(ipTypes(row.home, row.roam)));
-        EXPECT_EQ(difference ? difference->dump() : "", row.difference);
+    for (const auto& row : rowsOf(R"(
+| home=1 roam=2 | CommonIPType=V4V6,OverrideHomeIPType=V4,LteRoamIP=V6,UmtsRoamIP=V6,;;
+| home=2 roam=2 | CommonIPType=V6,LteRoamIP=V6,UmtsRoamIP=V6,;;
+pdp=3 home=1 lte=0 umts=0 | home=1 roam=1 | CommonIPType=V4,OverrideHomeIPType=UNKNOWN,;;
+pdp=3 home=0 lte=1 umts=1 | home=2 | CommonIPType=V6,OverrideHomeIPType=UNKNOWN,;;
+pdp=0 lte=0 umts=0 | roam=2 |
+    CommonIPType=V4V6,OverrideHomeIPType=V4,LteRoamIP=V6,UmtsRoamIP=V6,;;
+lte=0 umts=0 | roam=2 | LteRoamIP=V6,UmtsRoamIP=V6,;;
+pdp=0 lte=0 umts=1 | home=2 | CommonIPType=V6,;;
+pdp=0 lte=0 umts=1 | roam=1 | UmtsRoamIP=V4,;;
+pdp=0 lte=1 umts=0 | roam=1 | LteRoamIP=V4,;;
+pdp=3 home=1 lte=0 umts=1 | | CommonIPType=V6,;;
+pdp=0 home=255 lte=0 umts=0 | home=1 roam=1 | ;;)")) {
+        const ProfileParams changes = paramsOf(row[1]);
+        const auto difference =
+            told(row[0] + " name=vela_profile").diff(ModifyProfileParams(changes));
+        const std::string expected = row[2].empty() ? "" : dumpOf(row[2]);
+        EXPECT_EQ(difference ? difference->dump() : "", expected) << row[0];
+        if (row[0].empty()) {
+            EXPECT_EQ(Modem3gppProfile(changes).dump(), expected);
+        }
     }
 }
 
-TEST(Modem3gppProfileTest, RoamingIsKnownOnlyWhereBothRadiosAgree) {
-    const struct {
-        StoredIPTypes stored;
-        bool matchesV4, givesV4;
-    } table[] = {{{1, kNone, kNone, kNone}, true, false},
-                 {{2, kNone, 1, 1}, true, true},
-                 {{1, kNone, 1, 2}, false, false},
-                 {{1, kNone, 1, kNone}, false, false},
-                 {{1, kNone, kNone, 1}, false, false}};
-    for (const auto& row : table) {
-        Modem3gppProfile profile{ProfileParams()};
-        row.stored.store(profile);
-        EXPECT_EQ(profile.match(FilterProfileParams(ipTypes(kNone, 1))), row.matchesV4);
-        EXPECT_EQ(profile.get().hasRoamIPType(), row.givesV4) << profile.dump();
-    }
-}
-
+// Rows: what the modem has | the filter | whether they match. Without roaming types it is the
+// common type that counts, not the override; a UMTS type that is missing counts as UNKNOWN.
 TEST(Modem3gppProfileTest, MatchesIPTypesThatAreOnlyPartlyThere) {
-    const struct {
-        StoredIPTypes stored;
-        int home, roam;
-        FilterMatchCriteria criteria;
-        bool matches;
-    } table[] = {
-        {{kNone, kNone, kNone, kNone}, 1, kNone, FilterMatchCriteria::HomeIPSuperset, false},
-        {{kNone, 1, kNone, kNone}, 1, kNone, FilterMatchCriteria::HomeIPSubset, true},
-        {{kNone, kNone, kNone, kNone}, kNone, 1, FilterMatchCriteria::RoamIPSuperset, false},
-        // Without roaming types it is the common type that counts, not the override.
-        {{3, 1, kNone, kNone}, kNone, 1, FilterMatchCriteria::HomeIPSubset, false},
-        {{3, 1, kNone, kNone}, kNone, 3, FilterMatchCriteria::HomeIPSubset, true},
-        // The stored UMTS value of a profile without one is UNKNOWN.
-        {{1, kNone, 0, kNone}, kNone, 0, FilterMatchCriteria::HomeIPSubset, true},
-        {{1, kNone, kNone, 0}, kNone, 0, FilterMatchCriteria::HomeIPSubset, false},
-    };
-    for (const auto& row : table) {
-        Modem3gppProfile profile{ProfileParams()};
-        row.stored.store(profile);
-        FilterProfileParams filter(ipTypes(row.home, row.roam));
-        filter.addFilterMatchCriteria(toMask(row.criteria));
-        EXPECT_EQ(profile.match(filter), row.matches) << profile.dump() << filter.dump();
+    for (const auto& row : rowsOf(R"(
+pdp=0 | roam=1 | yes;;
+pdp=2 lte=0 umts=0 | roam=1 | yes;;
+pdp=0 lte=0 umts=1 | roam=1 | no;;
+pdp=0 lte=0 | roam=1 | no;;
+pdp=0 umts=0 | roam=1 | no;;
+| home=1 criteria=16 | no;;
+home=0 | home=1 criteria=1 | yes;;
+| roam=1 criteria=32 | no;;
+pdp=3 home=0 | roam=1 criteria=1 | no;;
+pdp=3 home=0 | roam=3 criteria=1 | yes;;
+pdp=0 lte=9 | roam=0 criteria=1 | yes;;
+pdp=0 umts=9 | roam=0 criteria=1 | no;;)")) {
+        const Modem3gppProfile profile = told(row[0]);
+        EXPECT_EQ(profile.match(filterOf(row[1])), row[2] == "yes") << row[0] << row[1];
+        EXPECT_EQ(profile.get().hasRoamIPType(), row[0] == "pdp=2 lte=0 umts=0") << row[0];
     }
 }
 
 TEST(Modem3gppProfileTest, ADifferenceChangesSettingsAndNothingElse) {
-    ModifyProfileParams changes;
-    changes.setApnTypesMask(1 | 4096);
+    const ModifyProfileParams changes(paramsOf("mask=4097"));
     Modem3gppProfile profile{changes};
     profile.setProfileId(4);
     profile.setProfileName("vela_profile");
@@ -139,7 +92,7 @@ TEST(Modem3gppProfileTest, ADifferenceChangesSettingsAndNothingElse) {
 }
 
 TEST(Modem3gppProfileTest, NameTellsWhoseProfileItIs) {
-    const std::tuple<std::string, bool, bool> table[] = {{"vela_profile", true, false},
+    const std::tuple<const char*, bool, bool> table[] = {{"vela_profile", true, false},
                                                          {"vela_profile_ia", true, true},
                                                          {"VELA_PROFILE", false, false},
                                                          {"VELA_PROFILE_IA", false, false},
@@ -148,74 +101,44 @@ TEST(Modem3gppProfileTest, NameTellsWhoseProfileItIs) {
                                                          {"", false, false}};
     for (const auto& [name, isVela, isIA] : table) {
         Modem3gppProfile profile{ProfileParams()};
-        if (!name.empty()) {
+        if (*name != '\0') {
             profile.setProfileName(name);
         }
-        const std::string flags = std::string("IsVelaProfile=") + (isVela ? "true" : "false") +
-                                  ",IsIAProfile=" + (isIA ? "true" : "false") + ",";
-        EXPECT_EQ(profile.get().dump(), flags);
         for (const bool wanted : {false, true}) {
-            FilterProfileParams vela;
-            vela.setFilterByIsVelaProfile(wanted);
-            EXPECT_EQ(profile.match(vela), isVela == wanted) << name;
-            FilterProfileParams ia;
-            ia.setFilterByIsIAProfile(wanted);
-            EXPECT_EQ(profile.match(ia), isIA == wanted) << name;
+            const char* const value = wanted ? "1" : "0";
+            EXPECT_EQ(profile.match(filterOf(std::string("vela=") + value)), isVela == wanted);
+            EXPECT_EQ(profile.match(filterOf(std::string("ia=") + value)), isIA == wanted) << name;
         }
+        EXPECT_EQ(profile.get().getIsVelaProfile(), isVela) << name;
+        EXPECT_EQ(profile.get().getIsIAProfile(), isIA) << name;
     }
 }
 
 TEST(Modem3gppProfileTest, CreateMessageHoldsWhatIsPresentAndZeroes) {
-    ProfileParams params = ipTypes(1, 2);
-    params.setApnName("IMS");
-    params.setUserName(std::string(200, 'u'));
+    ProfileParams params = paramsOf(
+        "home=1 roam=2 apn=IMS auth=7 mask=65 class=4 clat=1 block=65541 timer=-1 wait=300 "
+        "disabled=0 emergency=1 user=" +
+        std::string(200, 'u'));
     params.setPassword(std::string("p\0q", 3));
-    params.setAuthType(static_cast<AuthType>(7));
-    params.setApnTypesMask(1 | 64);
-    params.setApnClass(ApnClass::APP);
-    params.setIsClatEnabled(true);
-    params.setMaxPdnsConnPerBlock(65536 + 5);
-    params.setMaxPdnConnTimer(-1);
-    params.setPdnReqWaitInterval(300);
-    params.setIsApnDisabled(false);
-    params.setIsEmergencySupported(true);
     Modem3gppProfile profile(params);
     profile.setProfileName(std::string(60, 'n'));
     profile.setIsPersistent(true);
 
     wds_create_profile_req_msg_v01 expected;
     std::memset(&expected, 0, sizeof(expected));
-    auto& to = expected.settings;
-    to.apn_type_mask_valid = 1, to.apn_type_mask = 1 | 2;
-    to.persistence_flag_valid = 1, to.persistence_flag = 1;
-    to.clat_enabled_valid = 1, to.clat_enabled = 1;
-    to.profile_name_valid = 1, std::memset(to.profile_name, 'n', 50);
-    to.apn_name_valid = 1, std::memcpy(to.apn_name, "ims", 3);
-    to.user_name_valid = 1, std::memset(to.user_name, 'u', 127);
-    to.password_valid = 1, to.password[0] = 'p';
-    to.pdp_type_valid = 1, to.pdp_type = WDS_PDP_TYPE_IPV4V6_V01;
-    to.override_home_pdp_type_valid = 1;  // IPv4 is 0
-    to.lte_roaming_pdp_type_valid = 1, to.lte_roaming_pdp_type = WDS_COMMON_PDP_TYPE_IPV6_V01;
-    to.umts_roaming_pdp_type_valid = 1, to.umts_roaming_pdp_type = WDS_COMMON_PDP_TYPE_IPV6_V01;
-    to.max_pdn_connections_per_block_valid = 1, to.max_pdn_connections_per_block = 5;
-    to.max_pdn_connection_timer_valid = 1, to.max_pdn_connection_timer = 65535;
-    to.pdn_request_wait_interval_valid = 1, to.pdn_request_wait_interval = 300;
-    to.apn_disabled_flag_valid = 1;
-    to.emergency_calls_support_valid = 1, to.emergency_calls_support = 1;
-    to.authentication_preference_valid = 1, to.authentication_preference = 3;
-    to.apn_class_valid = 1, to.apn_class = 4;
-    const wds_create_profile_req_msg_v01 request = profile.constructAddRequest();
-    EXPECT_TRUE(bytesOf(request) == bytesOf(expected));
+    expected.settings = settingsOf(
+        "types=3 stays=1 clat_enabled=1 apn=ims password=p pdp=3 home=0 lte=1 umts=1 "
+        "max_pdn_connections_per_block=5 max_pdn_connection_timer=65535 "
+        "pdn_request_wait_interval=300 apn_disabled_flag=0 sos=1 authentication_preference=3 "
+        "class=4 name=" +
+        std::string(50, 'n') + " user=" + std::string(127, 'u'));
+    EXPECT_TRUE(bytesOf(profile.constructAddRequest()) == bytesOf(expected));
 }
 
 TEST(Modem3gppProfileTest, EmptyTextsAndClassZeroGoThereAndBack) {
-    ProfileParams params;
-    params.setApnName("");
-    params.setUserName("");
-    params.setPassword("");
-    params.setApnClass(static_cast<ApnClass>(0));
+    const Modem3gppProfile profile(paramsOf("apn= user= pw= class=0"));
     wds_get_profile_settings_resp_msg_v01 response{};
-    response.settings = Modem3gppProfile(params).constructAddRequest().settings;
+    response.settings = profile.constructAddRequest().settings;
     EXPECT_EQ(Modem3gppProfile(5, response).dump(),
               dumpOf("ApnName=,UserName=,Password=,ApnClass=0,", 5));
 }
@@ -227,10 +150,8 @@ TEST(Modem3gppProfileTest, ModifyMessageNamesTheProfileAndClearsTheOverride) {
     wds_modify_profile_settings_req_msg_v01 expected;
     std::memset(&expected, 0, sizeof(expected));
     expected.profile.profile_index = 0xFE;
-    expected.settings.override_home_pdp_type_valid = 1;
-    expected.settings.override_home_pdp_type = WDS_COMMON_PDP_TYPE_UNSET_V01;
-    const wds_modify_profile_settings_req_msg_v01 request = changes.constructModifyRequest();
-    EXPECT_TRUE(bytesOf(request) == bytesOf(expected));
+    expected.settings = settingsOf("home=255");
+    EXPECT_TRUE(bytesOf(changes.constructModifyRequest()) == bytesOf(expected));
 }
 
 TEST(Modem3gppProfileTest, ReadsWhatTheModemSays) {

@@ -14,24 +14,22 @@
 #include "MessageBytes.h"
 #include "Modem3gpp2Profile.h"
 #include "Modem3gppProfile.h"
+#include "TextTables.h"
 
 namespace vela {
 namespace {
 
-class FakeKey : public IProfileKey {
-  public:
-    int getProfileId() const override { return 0; }
-    TechType getTechType() const override { return TechType::TECH_3GPP; }
-    void registerExpirationListener(std::function<void()>) override {}
-    std::string dump() const override { return {}; }
-};
+/** Of a key, a listener only asks whether it lives. */
+std::shared_ptr<IProfileKey> makeKey() {
+    return {static_cast<IProfileKey*>(nullptr), [](auto*) {}};
+}
 
 TEST(ModemProfileTest, CallsListenersOfLiveKeysInOrder) {
     LogCapture log;
     std::string calls;
-    auto first = std::make_shared<FakeKey>();
-    auto gone = std::make_shared<FakeKey>();
-    auto dropped = std::make_shared<FakeKey>();
+    auto first = makeKey();
+    auto gone = makeKey();
+    auto dropped = makeKey();
     {
         Modem3gppProfile profile{ProfileParams()};
         profile.registerExpirationListener([&] { calls += '1'; }, first);
@@ -51,9 +49,9 @@ TEST(ModemProfileTest, CallsListenersOfLiveKeysInOrder) {
 
 TEST(ModemProfileTest, ForgettingAListenerMayComeBackToTheList) {
     std::string calls;
-    auto kept = std::make_shared<FakeKey>();
-    auto gone = std::make_shared<FakeKey>();
-    auto owned = std::make_shared<FakeKey>();
+    auto kept = makeKey();
+    auto gone = makeKey();
+    auto owned = makeKey();
     {
         Modem3gppProfile profile{ProfileParams()};
         // Stands for a client's object that registers and releases in its destructor.
@@ -86,33 +84,28 @@ TEST(RefCountTest, GoesBelowZeroButNeverWraps) {
     EXPECT_DEATH(lowest.decrement(), "");
 }
 
-/** A field of client parameters with a value of variant 0, 1, 2, ... that the modem can hold. */
+/** A field, and the values that the modem can hold: `count` numbers, or texts of such a length. */
 struct Field {
+    const char* name;
     bool only3gpp;
-    void (*set)(ProfileParams&, int variant);
-};
+    int count;
+    std::optional<int> first;  // of the numbers
 
-std::string text(int variant, int longest) {
-    return "T" + std::to_string(variant) +
-           std::string(static_cast<std::size_t>(variant % longest), 'X');
-}
+    std::string withValue(int variant) const {
+        const int offset = variant % count;
+        return name +
+               ("=" + (first ? std::to_string(*first + offset)
+                             : "T" + std::string(static_cast<std::size_t>(offset), 'X'))) +
+               " ";
+    }
+};
 
 const Field kFields[] = {
-    {false, [](auto& params, int v) { params.setApnName(text(v, 160)); }},
-    {false, [](auto& params, int v) { params.setUserName(text(v, 120)); }},
-    {false, [](auto& params, int v) { params.setPassword(text(v, 120)); }},
-    {false, [](auto& params, int v) { params.setAuthType(static_cast<AuthType>(v % 4)); }},
-    {false, [](auto& params, int v) { params.setHomeIPType(static_cast<IPType>(1 + v % 3)); }},
-    {false, [](auto& params, int v) { params.setApnTypesMask(static_cast<unsigned>(v % 4096)); }},
-    {false, [](auto& params, int v) { params.setApnClass(static_cast<ApnClass>(1 + v % 4)); }},
-    {false, [](auto& params, int v) { params.setIsClatEnabled(v % 2 != 0); }},
-    {true, [](auto& params, int v) { params.setRoamIPType(static_cast<IPType>(1 + v % 3)); }},
-    {true, [](auto& params, int v) { params.setMaxPdnsConnPerBlock(v % 65536); }},
-    {true, [](auto& params, int v) { params.setMaxPdnConnTimer(v % 65536); }},
-    {true, [](auto& params, int v) { params.setPdnReqWaitInterval(v % 65536); }},
-    {true, [](auto& params, int v) { params.setIsApnDisabled(v % 2 != 0); }},
-    {true, [](auto& params, int v) { params.setIsEmergencySupported(v % 2 != 0); }},
-};
+    {"apn", false, 160, {}},   {"user", false, 127, {}},  {"pw", false, 127, {}},
+    {"auth", false, 4, 0},     {"home", false, 3, 1},     {"mask", false, 4096, 0},
+    {"class", false, 4, 1},    {"clat", false, 2, 0},     {"roam", true, 3, 1},
+    {"block", true, 65536, 0}, {"timer", true, 65536, 0}, {"wait", true, 65536, 0},
+    {"disabled", true, 2, 0},  {"emergency", true, 2, 0}};
 
 std::shared_ptr<ModemProfile> make(TechType techType, const ProfileParams& params) {
     if (techType == TechType::TECH_3GPP) {
@@ -127,13 +120,13 @@ class BothTechnologiesTest : public testing::TestWithParam<TechType> {
 
     /** About half of the fields, with random values. */
     ProfileParams randomParams() {
-        ProfileParams params;
+        std::string line;
         for (const Field& field : kFields) {
             if (random() % 2 != 0 && (is3gpp() || !field.only3gpp)) {
-                field.set(params, static_cast<int>(random() % 0x10000));
+                line += field.withValue(static_cast<int>(random() % 0x10000));
             }
         }
-        return params;
+        return paramsOf(line);
     }
 
     std::mt19937 random{1};
@@ -143,61 +136,42 @@ INSTANTIATE_TEST_SUITE_P(Tech, BothTechnologiesTest,
                          testing::Values(TechType::TECH_3GPP, TechType::TECH_3GPP2));
 
 TEST_P(BothTechnologiesTest, MatchesEachFieldByItsValue) {
+    const auto nothing = make(GetParam(), ProfileParams());
     for (const Field& field : kFields) {
-        ProfileParams params;
-        field.set(params, 0);
-        ProfileParams others;
-        field.set(others, 1);
-        const FilterProfileParams filter(params);
-        EXPECT_EQ(make(GetParam(), params)->match(filter), is3gpp() || !field.only3gpp)
-            << filter.dump();
-        EXPECT_FALSE(make(GetParam(), others)->match(filter)) << filter.dump();
-        EXPECT_FALSE(make(GetParam(), ProfileParams())->match(filter)) << filter.dump();
+        const FilterProfileParams filter = filterOf(field.withValue(0));
+        EXPECT_EQ(make(GetParam(), filter)->match(filter), is3gpp() || !field.only3gpp)
+            << field.name;
+        EXPECT_FALSE(make(GetParam(), paramsOf(field.withValue(1)))->match(filter)) << field.name;
+        EXPECT_FALSE(nothing->match(filter)) << field.name;
     }
-    FilterProfileParams filter;
-    filter.setFilterByTechType(GetParam());
-    filter.setFilterByProfileId(-1);
-    EXPECT_TRUE(make(GetParam(), ProfileParams())->match(filter));
-    filter.setFilterByProfileId(0);
-    EXPECT_FALSE(make(GetParam(), ProfileParams())->match(filter));
-    filter.setFilterByProfileId(-1);
-    filter.setFilterByTechType(static_cast<TechType>(2));
-    EXPECT_FALSE(make(GetParam(), ProfileParams())->match(filter));
+    const std::string techType = is3gpp() ? "tech=0" : "tech=1";
+    EXPECT_TRUE(nothing->match(filterOf(techType + " id=-1")));
+    EXPECT_FALSE(nothing->match(filterOf(techType + " id=0")));
+    EXPECT_FALSE(nothing->match(filterOf("tech=2 id=-1")));
 }
 
 TEST_P(BothTechnologiesTest, MatchesNamesAndMasksAsTheCriteriaSay) {
-    ProfileParams params;
-    params.setApnName("InterNet" + std::string(192, 'X'));
-    params.setUserName("bob");
+    const ProfileParams params = paramsOf("user=bob apn=InterNet" + std::string(192, 'X'));
     const auto profile = make(GetParam(), params);
     const auto other = make(GetParam(), ProfileParams());
     other->setApnName(params.getApnName());  // neither cut nor lowered
     profile->apply(other);
     profile->setApnTypesMask(1 | 2 | 4 | std::uint64_t{1} << 40U);
-    const auto matches = [&](unsigned int criteria, auto setter, auto value) {
-        FilterProfileParams filter;
-        filter.addFilterMatchCriteria(criteria);
-        (filter.*setter)(value);
-        return profile->match(filter);
-    };
-    const auto name = &ProfileParams::setApnName;
-    EXPECT_TRUE(matches(0, name, "INTERNET" + std::string(142, 'x') + "y"));
-    EXPECT_FALSE(matches(63 & ~4U, name, "internet"));
-    EXPECT_FALSE(matches(63 & ~4U, name, ""));
-    EXPECT_TRUE(matches(4, name, "RNet"));
-    EXPECT_TRUE(matches(4, name, ""));
-    EXPECT_FALSE(matches(4, name, "internets"));
-    EXPECT_FALSE(matches(63, &ProfileParams::setUserName, "Bob"));
-    const auto mask = &ProfileParams::setApnTypesMask;
-    EXPECT_FALSE(matches(63 & ~8U, mask, 1U | 2U | 64U));  // the bit that only the modem knows
-    EXPECT_TRUE(matches(8, mask, 2U | 64U | 4096U));
-    EXPECT_TRUE(matches(8, mask, 0U));
-    EXPECT_FALSE(matches(8, mask, 2U | 4U));
-    ModifyProfileParams modify;
-    modify.setApnTypesMask(1 | 2 | 64);
-    EXPECT_FALSE(profile->diff(modify));
+    const auto matches = [&](const std::string& line) { return profile->match(filterOf(line)); };
+    EXPECT_TRUE(matches("apn=INTERNET" + std::string(142, 'x') + "y"));
+    for (const char* const line :
+         {"criteria=4 apn=RNet", "criteria=4 apn=", "criteria=8 mask=4162", "criteria=8 mask=0"}) {
+        EXPECT_TRUE(matches(line)) << line;
+    }
+    for (const char* const line :
+         {"criteria=59 apn=internet", "criteria=59 apn=", "criteria=4 apn=internets",
+          "criteria=63 user=Bob", "criteria=8 mask=6",
+          "criteria=55 mask=67"}) {  // the modem knows one more bit
+        EXPECT_FALSE(matches(line)) << line;
+    }
+    EXPECT_FALSE(profile->diff(ModifyProfileParams(paramsOf("mask=67"))));
     profile->setApnTypesMask(4);
-    EXPECT_TRUE(matches(63 & ~8U, mask, 2U | 4096U));
+    EXPECT_TRUE(matches("criteria=55 mask=4098"));
 }
 
 // Rows: the filter's type; columns: the profile's; both UNKNOWN, V4, V6, V4V6.
@@ -206,33 +180,31 @@ TEST(ModemProfileTest, MatchesIPTypesAsTheCriteriaSay) {
         unsigned int home;
         unsigned int roam;
         std::string_view matches;
-    } table[] = {{0, 0, "1000 0100 0010 0001"},
-                 {1, 2, "1111 0101 0011 0001"},
-                 {16, 32, "1000 1100 1010 1111"},
-                 {17, 34, "1111 1101 1011 1111"}};
+    } table[] = {{0, 0, "1000010000100001"},
+                 {1, 2, "1111010100110001"},
+                 {16, 32, "1000110010101111"},
+                 {17, 34, "1111110110111111"}};
     for (const auto& row : table) {
-        // Every other criterion is on, and has no say here.
-        FilterProfileParams home;
-        home.addFilterMatchCriteria(46U | row.home);
-        FilterProfileParams roam;
-        roam.addFilterMatchCriteria(29U | row.roam);
-        for (std::size_t i = 0; i < row.matches.size(); i += i % 5 == 3 ? 2U : 1U) {
-            const auto actual = static_cast<IPType>(i % 5);
-            home.setHomeIPType(static_cast<IPType>(i / 5));
-            roam.setRoamIPType(static_cast<IPType>(i / 5));
-            const bool expected = row.matches[i] == '1';
-            Modem3gppProfile profile{ProfileParams()};
-            profile.setCommonIPType(actual);
-            EXPECT_EQ(profile.match(home), expected) << home.dump() << profile.dump();
-            EXPECT_EQ(profile.match(roam), expected) << roam.dump() << profile.dump();
-            profile.setCommonIPType(actual == IPType::UNKNOWN ? actual : IPType::V4V6);
-            profile.setOverrideHomeIPType(actual);
-            profile.setLteRoamIPType(actual);
-            profile.setUmtsRoamIPType(actual);
-            EXPECT_EQ(profile.match(home), expected) << home.dump() << profile.dump();
-            EXPECT_EQ(profile.match(roam), expected) << roam.dump() << profile.dump();
+        for (std::size_t i = 0; i < row.matches.size(); ++i) {
+            const auto actual = static_cast<IPType>(i % 4);
+            const std::string wanted = std::to_string(i / 4) + " criteria=";
+            // Every criterion of something else is on, and has no say here.
+            const auto home = filterOf("home=" + wanted + std::to_string(46U | row.home));
+            const auto roam = filterOf("roam=" + wanted + std::to_string(29U | row.roam));
+            Modem3gppProfile common{ProfileParams()};
+            common.setCommonIPType(actual);
+            Modem3gppProfile different{ProfileParams()};
+            different.setCommonIPType(actual == IPType::UNKNOWN ? actual : IPType::V4V6);
+            different.setOverrideHomeIPType(actual);
+            different.setLteRoamIPType(actual);
+            different.setUmtsRoamIPType(actual);
             Modem3gpp2Profile other{ProfileParams()};
             other.setCommonIPType(actual);
+            const bool expected = row.matches[i] == '1';
+            for (const Modem3gppProfile* profile : {&common, &different}) {
+                EXPECT_EQ(profile->match(home), expected) << home.dump() << profile->dump();
+                EXPECT_EQ(profile->match(roam), expected) << roam.dump() << profile->dump();
+            }
             EXPECT_EQ(other.match(home), expected) << home.dump() << other.dump();
         }
     }

@@ -7,28 +7,16 @@
 #include <locale>
 #include <sstream>
 
+#include "TextTables.h"
+#include "vela/Responses.h"
+
 namespace vela {
 namespace {
 
 FilterProfileParams everything() {
-    FilterProfileParams params;
-    params.setFilterByIsIAProfile(false);
-    params.setFilterByIsVelaProfile(true);
-    params.setIsEmergencySupported(false);
-    params.setIsApnDisabled(true);
-    params.setPdnReqWaitInterval(-3);
-    params.setMaxPdnConnTimer(1234567);
-    params.setMaxPdnsConnPerBlock(1);
-    params.setIsClatEnabled(true);
-    params.setApnClass(ApnClass::INET);
-    params.setApnTypesMask(65);
-    params.setRoamIPType(IPType::V6);
-    params.setHomeIPType(IPType::V4V6);
-    params.setAuthType(AuthType::PAP_CHAP);
-    params.setPassword("p%s");
-    params.setUserName("Bob");
-    params.setApnName("");
-    return params;
+    return filterOf(
+        "ia=0 vela=1 emergency=0 disabled=1 wait=-3 timer=1234567 block=1 clat=1 class=3 mask=65 "
+        "roam=2 home=3 auth=3 pw=p%s user=Bob apn=");
 }
 
 constexpr const char* kEverything =
@@ -63,6 +51,9 @@ TEST(ProfileTypesTest, PrintsNamesAndOtherNumbers) {
     EXPECT_EQ(namesFrom<TechType>(-1, 2), "-1 3GPP 3GPP2 2 ");
     EXPECT_EQ(namesFrom<IPType>(-1, 4), "-1 UNKNOWN V4 V6 V4V6 4 ");
     EXPECT_EQ(namesFrom<AuthType>(-1, 4), "-1 NONE PAP CHAP PAP_CHAP 4 ");
+    EXPECT_EQ(namesFrom<ReqRespType>(-1, 8),
+              "-1 Add Modify Delete Filter Match Get Callback Refresh 8 ");
+    EXPECT_EQ(namesFrom<Status>(-2, 2), "-2 -1 Success Failure 2 ");
     EXPECT_EQ(namesFrom<ApnClass>(0, 5), "0 IMS ADMN INET APP 5 ");
     EXPECT_EQ(namesFrom<ApnClass>(-2147483647 - 1, -2147483647), "-2147483648 -2147483647 ");
 }
@@ -74,9 +65,8 @@ TEST(ProfileParamsTest, DumpsApnTypes) {
         {4096, ""},
         {4096 | 2048, "XCAP|"}};
     for (const auto& [mask, expected] : table) {
-        ProfileParams params;
-        params.setApnTypesMask(mask);
-        EXPECT_EQ(params.dump(), "ApnTypesMask=" + expected + ",");
+        EXPECT_EQ(paramsOf("mask=" + std::to_string(mask)).dump(),
+                  "ApnTypesMask=" + expected + ",");
     }
 }
 
@@ -99,9 +89,8 @@ TEST(ProfileParamsTest, FilterDumpsCriteriaAndSelectorsFirst) {
               "RoamIPSuperset|: ");
     filter.removeFilterMatchCriteria(59);
     filter.addFilterMatchCriteria(4);
-    filter.setFilterByProfileId(3);
-    filter.setFilterByTechType(TechType::TECH_3GPP);
-    filter.setApnName("ims");
+    EXPECT_EQ(filter.dump(), "ApnNameSubset|: ");
+    filter = filterOf("criteria=4 id=3 tech=0 apn=ims");
     EXPECT_EQ(filter.dump(), "ApnNameSubset|: tech=3GPP,id=3,ApnName=ims,");
     EXPECT_EQ(FilterProfileParams(ProfileParams(filter)).dump(), "None: ApnName=ims,");
     EXPECT_EQ(FilterProfileParams(ProfileParams(everything())).dump(),

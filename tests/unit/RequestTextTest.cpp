@@ -3,11 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "ProfileKey.h"
+#include "TextTables.h"
 #include "vela/Requests.h"
 #include "vela/Responses.h"
 
@@ -20,25 +20,6 @@ std::shared_ptr<ProfileKey> makeKey(int techType, int profileId, unsigned long t
         [](const std::shared_ptr<ClientRequest>&) { return std::shared_ptr<ClientResponse>(); });
 }
 
-template <typename Value>
-std::string text(Value value) {
-    std::ostringstream out;
-    out << value;
-    return out.str();
-}
-
-TEST(RequestText, EnumerationsPrintNamesAndUnknownNumbers) {
-    const std::vector<std::string> types{"Add",   "Modify", "Delete",   "Filter",
-                                         "Match", "Get",    "Callback", "Refresh"};
-    for (std::size_t i = 0; i < types.size(); ++i) {
-        EXPECT_EQ(text(static_cast<ReqRespType>(i)), types[i]);
-    }
-    EXPECT_EQ(text(static_cast<ReqRespType>(8)), "8");
-    EXPECT_EQ(text(Status::Success), "Success");
-    EXPECT_EQ(text(Status::Failure), "Failure");
-    EXPECT_EQ(text(static_cast<Status>(-2)), "-2");
-}
-
 TEST(RequestText, KeysPrintTechnologyIdAndToken) {
     EXPECT_EQ(makeKey(0, 5, 12)->dump(), "3GPP:5 token=12");
     EXPECT_EQ(makeKey(1, 0, 0)->dump(), "3GPP2:0 token=0");
@@ -47,10 +28,8 @@ TEST(RequestText, KeysPrintTechnologyIdAndToken) {
 
 TEST(RequestText, Requests) {
     const auto key = makeKey(0, 5, 12);
-    ModifyProfileParams changes;
-    changes.setApnName("a");
-    FilterProfileParams criteria;
-    criteria.setFilterByProfileId(3);
+    const ModifyProfileParams changes(paramsOf("apn=a"));
+    const FilterProfileParams criteria = filterOf("id=3");
     CallbackRequest none;
     CallbackRequest release;
     release.setReleaseToken(4);
@@ -87,8 +66,6 @@ TEST(RequestText, Requests) {
 
 TEST(RequestText, Responses) {
     const auto key = makeKey(1, 2, 3);
-    ProfileParams params;
-    params.setApnName("a");
     const std::vector<std::pair<std::string, std::string>> table{
         {AddResponse(Status::Success, key).dump(), "Add Success 3GPP2:2 token=3"},
         {AddResponse(Status::Failure, nullptr).dump(), "Add Failure "},
@@ -99,7 +76,7 @@ TEST(RequestText, Responses) {
          "Filter Success 3GPP2:2 token=3,null,"},
         {MatchResponse(Status::Success, true).dump(), "Match Success true"},
         {MatchResponse(Status::Failure, false).dump(), "Match Failure false"},
-        {GetResponse(Status::Success, params).dump(), "Get Success ApnName=a,"},
+        {GetResponse(Status::Success, paramsOf("apn=a")).dump(), "Get Success ApnName=a,"},
         {GetResponse(Status::Failure, std::nullopt).dump(), "Get Failure "},
         {CallbackResponse(Status::Success).dump(), "Callback Success"},
         {RefreshResponse(static_cast<Status>(5)).dump(), "Refresh 5"},
