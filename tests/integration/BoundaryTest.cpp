@@ -18,6 +18,7 @@
 #include "support/ClientFixture.h"
 #include "support/DeathTests.h"
 #include "support/LogCapture.h"
+#include "vela/Observer.h"
 
 namespace {
 
@@ -43,6 +44,7 @@ rlink_client_type stranger() {
     return reinterpret_cast<rlink_client_type>(&given);
 }
 bool isNotifierFailing = false;
+std::function<void()> duringMessage = [] {};
 
 template <typename Call>
 auto unless(bool fails, int error, Call call) -> decltype(call()) {
@@ -67,41 +69,40 @@ extern "C" {
 
 // NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the linker's names
 
-int __real_epoll_create1(int flags);
+decltype(epoll_create1) __real_epoll_create1;
 int __wrap_epoll_create1(int flags) {
     return unless(epollsLeft-- <= 0, EMFILE, [&] { return __real_epoll_create1(flags); });
 }
 
-int __real_eventfd(unsigned count, int flags);
+decltype(eventfd) __real_eventfd;
 int __wrap_eventfd(unsigned count, int flags) {
     return unless(eventFdsLeft-- <= 0, EMFILE, [&] { return __real_eventfd(count, flags); });
 }
 
-int __real_epoll_ctl(int epoll, int what, int fd, epoll_event* event);
+decltype(epoll_ctl) __real_epoll_ctl;
 int __wrap_epoll_ctl(int epoll, int what, int fd, epoll_event* event) {
     const bool fails = what == EPOLL_CTL_ADD && registrationsLeft-- <= 0;
     return unless(fails, ENOSPC, [&] { return __real_epoll_ctl(epoll, what, fd, event); });
 }
 
-int __real_epoll_wait(int epoll, epoll_event* events, int most, int timeOut);
+decltype(epoll_wait) __real_epoll_wait;
 int __wrap_epoll_wait(int epoll, epoll_event* events, int most, int timeOut) {
     return unless(isWaitInterrupted.exchange(false), EINTR,
                   [&] { return __real_epoll_wait(epoll, events, most, timeOut); });
 }
 
-ssize_t __real_read(int fd, void* data, size_t size);
+decltype(read) __real_read;
 ssize_t __wrap_read(int fd, void* data, size_t size) {
     return unless(isReadFailing.exchange(false), EIO, [&] { return __real_read(fd, data, size); });
 }
 
-ssize_t __real_write(int fd, const void* data, size_t size);
+decltype(write) __real_write;
 ssize_t __wrap_write(int fd, const void* data, size_t size) {
     return unless(std::exchange(isWriteFailing, false), EAGAIN,
                   [&] { return __real_write(fd, data, size); });
 }
 
-int __real_rlink_client_notifier_init(rlink_service_object_type service,
-                                      rlink_client_os_params* params, rlink_client_type* notifier);
+decltype(rlink_client_notifier_init) __real_rlink_client_notifier_init;
 int __wrap_rlink_client_notifier_init(rlink_service_object_type service,
                                       rlink_client_os_params* params, rlink_client_type* notifier) {
     use(*params);
@@ -112,8 +113,7 @@ int __wrap_rlink_client_notifier_init(rlink_service_object_type service,
     return __real_rlink_client_notifier_init(service, params, notifier);
 }
 
-int __real_rlink_client_register_notify_cb(rlink_client_type notifier, rlink_notify_cb callback,
-                                           void* data);
+decltype(rlink_client_register_notify_cb) __real_rlink_client_register_notify_cb;
 int __wrap_rlink_client_register_notify_cb(rlink_client_type notifier, rlink_notify_cb callback,
                                            void* data) {
     given.onNotify = callback;
@@ -121,9 +121,7 @@ int __wrap_rlink_client_register_notify_cb(rlink_client_type notifier, rlink_not
     return __real_rlink_client_register_notify_cb(notifier, callback, data);
 }
 
-int __real_rlink_client_init(rlink_service_info* info, rlink_service_object_type service,
-                             rlink_ind_cb callback, void* data, rlink_client_os_params* params,
-                             rlink_client_type* client);
+decltype(rlink_client_init) __real_rlink_client_init;
 int __wrap_rlink_client_init(rlink_service_info* info, rlink_service_object_type service,
                              rlink_ind_cb callback, void* data, rlink_client_os_params* params,
                              rlink_client_type* client) {
@@ -131,25 +129,23 @@ int __wrap_rlink_client_init(rlink_service_info* info, rlink_service_object_type
     return __real_rlink_client_init(info, service, callback, data, params, client);
 }
 
-int __real_rlink_client_register_error_cb(rlink_client_type client, rlink_error_cb callback,
-                                          void* data);
+decltype(rlink_client_register_error_cb) __real_rlink_client_register_error_cb;
 int __wrap_rlink_client_register_error_cb(rlink_client_type client, rlink_error_cb callback,
                                           void* data) {
     given.onError = callback;
     return __real_rlink_client_register_error_cb(client, callback, data);
 }
 
-int __real_rlink_client_send_msg_sync(rlink_client_type client, unsigned id, void* request,
-                                      unsigned size, void* response, unsigned room,
-                                      unsigned timeOut);
+decltype(rlink_client_send_msg_sync) __real_rlink_client_send_msg_sync;
 int __wrap_rlink_client_send_msg_sync(rlink_client_type client, unsigned id, void* request,
                                       unsigned size, void* response, unsigned room,
                                       unsigned timeOut) {
     given.timeOuts.insert(timeOut);
+    duringMessage();
     return __real_rlink_client_send_msg_sync(client, id, request, size, response, room, timeOut);
 }
 
-int __real_rlink_client_release(rlink_client_type client);
+decltype(rlink_client_release) __real_rlink_client_release;
 int __wrap_rlink_client_release(rlink_client_type client) {
     given.strangersReleased += client == stranger() ? 1U : 0U;
     return __real_rlink_client_release(client);
@@ -326,6 +322,25 @@ TEST_F(BoundaryTest, WhatTheMessagingLibraryIsGiven) {
     EXPECT_EQ(given.strangersReleased, 0U);
     EXPECT_EQ(given.usedOsParams, 0U);
     EXPECT_THAT(given.timeOuts, testing::ElementsAre(1000U));
+}
+
+TEST_F(BoundaryTest, AnObserverThatComesDuringAMessageIsNotToldOfIt) {
+    struct Counter : Observer {
+        void onMessage(const ModemMessage&) override { ++messages; }
+        int messages = 0;
+    };
+    const auto counter = std::make_shared<Counter>();
+    start();
+    setObserver(counter);
+    add("apn=a");
+    setObserver(nullptr);
+    duringMessage = [&counter] { setObserver(counter); };
+    add("apn=b");
+    duringMessage = [] {};
+    EXPECT_EQ(counter->messages, 1);
+    add("apn=c");
+    EXPECT_EQ(counter->messages, 2);
+    setObserver(nullptr);
 }
 
 }  // namespace

@@ -11,29 +11,31 @@ namespace {
 
 using LogLevelTest = ClientFixture;
 
-/** Level and text of each line, "#" for tokens and source lines. A last blank is followed by "_".
- * Left out: level 0, what all requests say alike, and what is said in an order of no account. */
+/** Level and text of each line that is wanted; a last blank is followed by "_". */
+template <typename Wanted>
+std::string linesOf(LogCapture& capture, Wanted isWanted) {
+    std::string lines = "\n";
+    for (const auto& [level, text] : capture.take()) {
+        const std::string line = std::to_string(static_cast<int>(level)) + " " + text;
+        lines += isWanted(line) ? line + (line.back() == ' ' ? "_\n" : "\n") : "";
+    }
+    return lines;
+}
+
+/** "#" stands for tokens and source lines. Left out: level 0, what all requests say alike, and what
+ * is said in an order of no account. */
 std::string transcript(LogCapture& capture) {
     static const std::regex omitted(
         "0 .*|1 :77:.*|2 Handling [DFGMR].*|.*~ModemProfile.*|5 Manager::[dfgmr].*|.*handleInd.*");
     static const std::regex numbers("(token=|Release |\\n1 :)[0-9]+( [0-9]+)?");
-    std::string lines = "\n";
-    for (const auto& [level, text] : capture.take()) {
-        const std::string line = std::to_string(static_cast<int>(level)) + " " + text;
-        lines += std::regex_match(line, omitted) ? "" : line + (line.back() == ' ' ? "_\n" : "\n");
-    }
-    return std::regex_replace(lines, numbers, "$1#");
+    const auto isWanted = [](const auto& line) { return !std::regex_match(line, omitted); };
+    return std::regex_replace(linesOf(capture, isWanted), numbers, "$1#");
 }
 
-/** Level and text of what the policies themselves say, but for what is said of 3GPP2 again. */
+/** What the policies themselves say, but for what is said of 3GPP2 again. */
 std::string policyLines(LogCapture& capture) {
-    static const std::regex own("(vela|Profile|Could|Did) .*[^1]|  .*");
-    std::string lines = "\n";
-    for (const auto& [level, text] : capture.take()) {
-        const std::string line = std::to_string(static_cast<int>(level)) + " " + text;
-        lines += std::regex_match(text, own) ? line + (line.back() == ' ' ? "_\n" : "\n") : "";
-    }
-    return lines;
+    static const std::regex own(". ((vela|Profile|Could|Did) .*[^1]|  .*)");
+    return linesOf(capture, [](const auto& line) { return std::regex_match(line, own); });
 }
 
 TEST_F(LogLevelTest, EveryOperation) {

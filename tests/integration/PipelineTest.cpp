@@ -169,31 +169,6 @@ TEST_F(PipelineTest, RegistersAgainAfterEveryOutage) {
     }
 }
 
-TEST_F(PipelineTest, WithoutServiceEverythingFailsCleanly) {
-    start();
-    const Key key = add("apn=net user=bob");
-    Key temporary = add("apn=temp", false);
-    settle();
-    sim.serviceDown();
-    settle();
-    EXPECT_EQ(add("apn=new"), nullptr);
-    EXPECT_TRUE(modify("user=eve", key));
-    EXPECT_FALSE(manager.deleteProfile(key));
-    temporary.reset();
-    EXPECT_EQ(logged("ProfileCache: failed to release profile"), 1U);
-    EXPECT_THAT(read(key), HasSubstr("UserName=bob")) << "what is cached stays";
-    sim.serviceUp();
-    expectCacheEqualsModem();
-    sim.serviceDown();
-    settle();
-    reload();
-    EXPECT_THAT(cached(), IsEmpty());
-    sim.serviceUp();
-    settle();
-    sim.profileReady(0);
-    expectCacheEqualsModem();
-}
-
 // Rows: fault | message | its value | line | requests sent.
 TEST_F(PipelineTest, TroubleOnConnecting) {
     start();
@@ -215,9 +190,7 @@ error-callback-failure | 0 | 5 | rlink_client_register_error_cb result: 5 | 3;;)
         EXPECT_EQ(logged(row[3]), 1U) << row[3];
         EXPECT_EQ(requests(), number(4)) << row[3];
     }
-    velasim::SimulatorOptions none;
-    none.hasService = false;
-    const velasim::Simulator without(none);
+    const velasim::Simulator without({.hasService = false});
     manager.init(0, false);
     EXPECT_EQ(logged("cannot obtain service obj, fatal error"), 1U);
     EXPECT_EQ(add("apn=net"), nullptr);
@@ -227,12 +200,7 @@ error-callback-failure | 0 | 5 | rlink_client_register_error_cb result: 5 | 3;;)
 
 TEST_F(PipelineTest, IndicationsOfEveryKind) {
     start();
-    const struct {
-        Bytes bytes;
-        std::uint32_t message;
-        const char* line;
-        std::size_t lists;
-    } cases[] = {
+    const std::tuple<Bytes, std::uint32_t, const char*, std::size_t> cases[] = {
         {indicationOf(0, 1, 4), 0xA8, "ProfileCache: onIndication < 3GPP:1 SubscriptionChange", 2},
         {indicationOf(1, 1, 5), 0xA8, "ProfileCache: onIndication < 3GPP2:1 ProfileReady", 2},
         {indicationOf(0, 1, 0), 0xA8, "ProfileCache: onIndication < 3GPP:1 ProfileReady", 2},
@@ -243,13 +211,13 @@ TEST_F(PipelineTest, IndicationsOfEveryKind) {
         {{0x11, 0, 0}, 0xA8, "Profile changed ind TLV is not valid", 0},
         {{0x10, 9}, 0xA8, "Unable to decode the nr status ind message", 0},
         {{}, 0xA8, "The ind_cb_data/ind_buf is null or ind_buf_len is 0", 0}};
-    for (const auto& test : cases) {
+    for (const auto& [bytes, message, line, lists] : cases) {
         sim.journal().clear();
         velasim::DiagLog::instance().clear();
-        sim.injectIndication(test.bytes, test.message);
+        sim.injectIndication(bytes, message);
         settle();
-        EXPECT_EQ(logged(test.line), 1U) << test.line;
-        EXPECT_EQ(requests(), test.lists) << test.line;
+        EXPECT_EQ(logged(line), 1U) << line;
+        EXPECT_EQ(requests(), lists) << line;
     }
 }
 
@@ -297,17 +265,6 @@ TEST_F(PipelineTest, NothingFromTheModemIsTrusted) {
     reload();
     EXPECT_EQ(requests(RLINK_WDS_GET_PROFILE_SETTINGS_REQ_V01), 256U);
     EXPECT_THAT(find(""), SizeIs(3));
-
-    fault(Fault::UnterminatedText, RLINK_WDS_GET_PROFILE_SETTINGS_REQ_V01, 1, 3);
-    reload();
-    for (const Key& key : find("")) {
-        EXPECT_THAT(manager.getProfile(key)->getApnName(), SizeIs(WDS_APN_NAME_MAX_V01 + 1));
-    }
-    fault(Fault::GarbageEnumerators, RLINK_WDS_GET_PROFILE_SETTINGS_REQ_V01, 1, 3);
-    reload();
-    EXPECT_THAT(find("home=0"), SizeIs(2));
-    reload();
-    expectCacheEqualsModem();
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <array>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "LogCapture.h"
@@ -55,10 +56,9 @@ void signal(const EventFd& fd) {
 
 class EventManagerTest : public testing::Test {
   protected:
-    bool logged(LogLevel level, const std::string& message) {
-        const auto lines = capture.take();
-        return std::find(lines.begin(), lines.end(), LogCapture::Line(level, message)) !=
-               lines.end();
+    /** One line that has been logged since the last call. */
+    void expectLogged(LogLevel level, const std::string& message) {
+        EXPECT_THAT(capture.take(), Contains(Pair(level, message)));
     }
 
     LogCapture capture;
@@ -88,8 +88,7 @@ TEST_F(EventManagerTest, SecondHandlerOfADescriptorIsRefused) {
     Counter second;
     EXPECT_TRUE(events.addEventHandler(fd.get(), Counter::countAndDrain, &counter, nullptr, 1));
     EXPECT_FALSE(events.addEventHandler(fd.get(), Counter::countAndDrain, &second, nullptr, 1));
-    EXPECT_TRUE(
-        logged(LogLevel::Info, "fd=" + std::to_string(fd.get()) + " is already in handlers"));
+    expectLogged(LogLevel::Info, "fd=" + std::to_string(fd.get()) + " is already in handlers");
     signal(fd);
     events.processEvents();
     EXPECT_EQ(counter.calls, 1);
@@ -104,8 +103,8 @@ TEST_F(EventManagerTest, OnlyApprovedDescriptorsAreDispatched) {
     signal(fd);
     events.processEvents();
     EXPECT_EQ(counter.calls, 0);
-    EXPECT_TRUE(logged(LogLevel::Info, "file descriptor " + std::to_string(fd.get()) +
-                                           " is not on the approved list, cannot process event"));
+    expectLogged(LogLevel::Info, "file descriptor " + std::to_string(fd.get()) +
+                                     " is not on the approved list, cannot process event");
     EventManager::addApprovedFd(fd.get());
     events.processEvents();
     EXPECT_EQ(counter.calls, 1);
@@ -128,7 +127,7 @@ TEST_F(EventManagerTest, HangUpClosesWithoutAnEventCallback) {
     EXPECT_EQ(counter.closed, 1);
     EXPECT_FALSE(isOpen(fd));
     EXPECT_FALSE(EventManager::isApprovedFd(fd));
-    EXPECT_TRUE(logged(LogLevel::Info, "file descriptor '" + std::to_string(fd) + "' sent HUP."));
+    expectLogged(LogLevel::Info, "file descriptor '" + std::to_string(fd) + "' sent HUP.");
 }
 
 TEST_F(EventManagerTest, OtherEventsAreOnlyLogged) {
@@ -136,7 +135,7 @@ TEST_F(EventManagerTest, OtherEventsAreOnlyLogged) {
     events.addEventHandler(pipe.writeEnd.get(), Counter::count, &counter, nullptr, EPOLLOUT);
     events.processEvents();
     EXPECT_EQ(counter.calls, 0);
-    EXPECT_TRUE(logged(LogLevel::Info, "Unhandled epoll event: EPOLLOUT  [flags 04]"));
+    expectLogged(LogLevel::Info, "Unhandled epoll event: EPOLLOUT  [flags 04]");
 }
 
 TEST_F(EventManagerTest, MissingCallbackAndFailuresAreLogged) {
@@ -144,10 +143,10 @@ TEST_F(EventManagerTest, MissingCallbackAndFailuresAreLogged) {
     events.addEventHandler(fd.get(), nullptr, nullptr, nullptr, 1);
     signal(fd);
     events.processEvents();
-    EXPECT_TRUE(logged(LogLevel::Error, "no callback registered"));
+    expectLogged(LogLevel::Error, "no callback registered");
 
     EXPECT_FALSE(events.addEventHandler(-1, Counter::count, &counter, nullptr, 1));
-    EXPECT_TRUE(logged(LogLevel::Error, "Cannot add event handler"));
+    expectLogged(LogLevel::Error, "Cannot add event handler");
     events.removeEventHandler(12345);
     EXPECT_THAT(capture.take(),
                 ElementsAre(Pair(LogLevel::Verbose, "EventManager::removeEventHandler(int fd) EX"),
@@ -157,21 +156,16 @@ TEST_F(EventManagerTest, MissingCallbackAndFailuresAreLogged) {
 
 TEST_F(EventManagerTest, HandlerMayRemoveItself) {
     EventFd fd;
-    struct Both {
-        EventManager* events;
-        int calls = 0;
-    } both{&events};
-    events.addEventHandler(
-        fd.get(),
-        [](int ready, void* data) {
-            auto* self = static_cast<Both*>(data);
-            ++self->calls;
-            self->events->removeEventHandler(ready);
-        },
-        &both, nullptr, 1);
+    std::pair both{&events, &counter};
+    const auto remove = [](int ready, void* data) {
+        auto& [manager, counted] = *static_cast<decltype(both)*>(data);
+        manager->removeEventHandler(ready);
+        ++counted->calls;
+    };
+    events.addEventHandler(fd.get(), remove, &both, nullptr, 1);
     signal(fd);
     events.processEvents();
-    EXPECT_EQ(both.calls, 1);
+    EXPECT_EQ(counter.calls, 1);
 }
 
 TEST_F(EventManagerTest, WakeEndsOneWait) {
