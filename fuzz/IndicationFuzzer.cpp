@@ -41,13 +41,6 @@ struct World {
         }
     }
 
-    static velasim::SimulatorOptions options() {
-        velasim::SimulatorOptions result;
-        result.delivery = velasim::DeliveryMode::Stepped;
-        result.journalLimit = 64;
-        return result;
-    }
-
     void deliver(std::uint32_t messageId, std::vector<std::uint8_t> bytes) {
         connection.callback(connection.client, messageId, bytes.data(),
                             static_cast<unsigned int>(bytes.size()), connection.data);
@@ -58,7 +51,7 @@ struct World {
         events.processEvents();
     }
 
-    velasim::Simulator sim{options()};
+    velasim::Simulator sim{{.delivery = velasim::DeliveryMode::Stepped, .journalLimit = 64}};
     vela::EventManager events;
     vela::ProfileCache cache{events, 0, [](const auto&) { return nullptr; }};
     std::size_t sinceReload = 0;  // indications

@@ -34,15 +34,7 @@ class Bytes {
     }
 
     void fill(void* target, std::size_t length) {
-        auto* bytes = static_cast<std::uint8_t*>(target);
-        while (length > 0 && size > 0) {
-            position = position >= size ? 0 : position;
-            const std::size_t part = std::min(length, size - position);
-            std::memcpy(bytes, data + position, part);
-            bytes += part;
-            position += part;
-            length -= part;
-        }
+        std::generate_n(static_cast<std::uint8_t*>(target), length, [this] { return next(); });
     }
 
     std::string text() {
@@ -57,10 +49,7 @@ class Bytes {
     std::size_t position = 0;
 };
 
-Bytes& input() {
-    static Bytes bytes;
-    return bytes;
-}
+Bytes input;
 
 void require(bool holds) {
     if (!holds) {
@@ -81,12 +70,12 @@ void exercise(vela::ModemProfile& profile) {
     checkTexts(params);
     require(profile.dump().size() < 2000);
     vela::FilterProfileParams filter(params);
-    filter.addFilterMatchCriteria(input().next());
+    filter.addFilterMatchCriteria(input.next());
     profile.match(filter);
     vela::ModifyProfileParams changes;
-    changes.setApnName(input().text());
-    changes.setHomeIPType(static_cast<vela::IPType>(input().next() % 5));
-    changes.setRoamIPType(static_cast<vela::IPType>(input().next() % 5));
+    changes.setApnName(input.text());
+    changes.setHomeIPType(static_cast<vela::IPType>(input.next() % 5));
+    changes.setRoamIPType(static_cast<vela::IPType>(input.next() % 5));
     if (const auto difference = profile.diff(changes)) {
         difference->constructModifyRequest();
         profile.apply(difference);
@@ -95,8 +84,8 @@ void exercise(vela::ModemProfile& profile) {
 
 void readOne(bool is3gpp2) {
     wds_get_profile_settings_resp_msg_v01 response;
-    const int index = input().next();
-    input().fill(&response, sizeof(response));
+    const int index = input.next();
+    input.fill(&response, sizeof(response));
     if (is3gpp2) {
         vela::Modem3gpp2Profile profile(index, response);
         exercise(profile);
@@ -107,11 +96,7 @@ void readOne(bool is3gpp2) {
 }
 
 void readAll() {
-    static velasim::Simulator sim([] {
-        velasim::SimulatorOptions options;
-        options.delivery = velasim::DeliveryMode::Stepped;
-        return options;
-    }());
+    static velasim::Simulator sim({.delivery = velasim::DeliveryMode::Stepped});
     static vela::EventManager events;
     static vela::RlinkWdsProxy proxy(events, 0);
     for (const auto& profile : proxy.getAllProfiles()) {
@@ -137,24 +122,24 @@ extern "C" int rlink_client_send_msg_sync(rlink_client_type, unsigned int messag
     static unsigned readsSinceList = 0;
     const bool isList = message == RLINK_WDS_GET_PROFILE_LIST_REQ_V01;
     readsSinceList = isList ? 0 : readsSinceList + 1;
-    const std::uint8_t mood = input().next();
+    const std::uint8_t mood = input.next();
     if (mood == 0xFF || readsSinceList > kMany) {  // a list of 255 is more of the same
         return RLINK_ERROR_TIMEOUT;
     }
-    input().fill(response, length);
+    input.fill(response, length);
     if (mood < 0xF0) {
         std::memset(response, 0, sizeof(std::uint32_t));
     }
     if (isList) {
-        setCount(*static_cast<wds_get_profile_list_resp_msg_v01*>(response), input().next());
+        setCount(*static_cast<wds_get_profile_list_resp_msg_v01*>(response), input.next());
     }
     return RLINK_NO_ERROR;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    input().start(data, size);
+    input.start(data, size);
     // Most inputs are one answer, without a list and a log on the way: they are faster.
-    const std::uint8_t road = input().next();
+    const std::uint8_t road = input.next();
     if (road < 0x20) {
         readAll();
     } else {

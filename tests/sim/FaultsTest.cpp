@@ -18,48 +18,41 @@ constexpr auto kCreate = RLINK_WDS_CREATE_PROFILE_REQ_V01;
 // One create of a persistent profile under each fault: what the caller sees, whether the profile is
 // there, and what callbacks see until the response and in all.
 TEST(FaultsTest, EachFaultDoesWhatItSays) {
-    struct Case {
-        Fault fault;
-        std::uint32_t value;
-        int result;
-        ModemError error;
-        bool isStored;
-        std::string early;
-        std::string all;
-    };
     const auto none = ModemError::None;
     const auto nonsense = static_cast<ModemError>(0xA5A5A5A5);  // a failed call leaves no answer
     const std::string both = "Create 3GPP:1 Modify 3GPP:1 ";
-    const Case cases[] = {
-        {Fault::SendFailure, 0, RLINK_ERROR_INTERNAL, nonsense, false, "", ""},
-        {Fault::Timeout, 0, RLINK_ERROR_TIMEOUT, nonsense, false, "", ""},
-        {Fault::TimeoutAfterEffect, 0, RLINK_ERROR_TIMEOUT, nonsense, true, "", both},
-        {Fault::Refuse, 77, 0, static_cast<ModemError>(77), false, "", ""},
-        {Fault::TableFull, 0, 0, ModemError::TableFull, false, "", ""},
-        {Fault::RestartBeforeEffect, 0, RLINK_ERROR_SERVICE, nonsense, false, "", "Error "},
-        {Fault::RestartAfterEffect, 0, RLINK_ERROR_SERVICE, nonsense, true, "", "Error "},
-        {Fault::RestartAfterResponse, 0, 0, none, true, "", "Error "},
-        {Fault::LoseIndication, 0, 0, none, true, "", "Modify 3GPP:1 "},
-        {Fault::DelayIndication, 0, 0, none, true, "", "Modify 3GPP:1 Create 3GPP:1 "},
-        {Fault::DelayIndication, 2, 0, none, true, "", "Modify 3GPP:1 "},
-        {Fault::DuplicateIndication, 2, 0, none, true, "", "Create 3GPP:1 Create 3GPP:1 " + both},
-        {Fault::IndicationBeforeResponse, 0, 0, none, true, "Create 3GPP:1 ", both},
-        {Fault::TruncateIndication, 0, 0, none, true, "", "bad Modify 3GPP:1 "},
-        {Fault::TruncateIndication, 3, 0, none, true, "", "bad Modify 3GPP:1 "},
-    };
-    for (const auto& one : cases) {
-        SCOPED_TRACE(toString(one.fault) + ' ' + std::to_string(one.value));
+    const std::tuple<Fault, std::uint32_t, int, ModemError, bool, std::string, std::string>
+        cases[] = {
+            {Fault::SendFailure, 0, RLINK_ERROR_INTERNAL, nonsense, false, "", ""},
+            {Fault::Timeout, 0, RLINK_ERROR_TIMEOUT, nonsense, false, "", ""},
+            {Fault::TimeoutAfterEffect, 0, RLINK_ERROR_TIMEOUT, nonsense, true, "", both},
+            {Fault::Refuse, 77, 0, static_cast<ModemError>(77), false, "", ""},
+            {Fault::TableFull, 0, 0, ModemError::TableFull, false, "", ""},
+            {Fault::RestartBeforeEffect, 0, RLINK_ERROR_SERVICE, nonsense, false, "", "Error "},
+            {Fault::RestartAfterEffect, 0, RLINK_ERROR_SERVICE, nonsense, true, "", "Error "},
+            {Fault::RestartAfterResponse, 0, 0, none, true, "", "Error "},
+            {Fault::LoseIndication, 0, 0, none, true, "", "Modify 3GPP:1 "},
+            {Fault::DelayIndication, 0, 0, none, true, "", "Modify 3GPP:1 Create 3GPP:1 "},
+            {Fault::DelayIndication, 2, 0, none, true, "", "Modify 3GPP:1 "},
+            {Fault::DuplicateIndication, 2, 0, none, true, "",
+             "Create 3GPP:1 Create 3GPP:1 " + both},
+            {Fault::IndicationBeforeResponse, 0, 0, none, true, "Create 3GPP:1 ", both},
+            {Fault::TruncateIndication, 0, 0, none, true, "", "bad Modify 3GPP:1 "},
+            {Fault::TruncateIndication, 3, 0, none, true, "", "bad Modify 3GPP:1 "},
+        };
+    for (const auto& [fault, value, result, error, isStored, early, all] : cases) {
+        SCOPED_TRACE(toString(fault) + ' ' + std::to_string(value));
         Simulator simulator({.delivery = DeliveryMode::Stepped});
         SimClient client;
-        simulator.faults().add({.fault = one.fault, .messageId = kCreate, .value = one.value});
+        simulator.faults().add({.fault = fault, .messageId = kCreate, .value = value});
         const auto answer = client.create(k3gpp, settingsWithApn("a"));
-        EXPECT_EQ(answer.result, one.result);
-        EXPECT_EQ(answer.error, one.error);
-        EXPECT_EQ(simulator.profiles(0, k3gpp).size(), one.isStored ? 1U : 0U);
+        EXPECT_EQ(answer.result, result);
+        EXPECT_EQ(answer.error, error);
+        EXPECT_EQ(simulator.profiles(0, k3gpp).size(), isStored ? 1U : 0U);
         auto seen = client.take();
-        EXPECT_EQ(seen, one.early);
+        EXPECT_EQ(seen, early);
         simulator.deliverAll();
-        EXPECT_EQ(seen + client.take(), one.all);
+        EXPECT_EQ(seen + client.take(), all);
         EXPECT_EQ(simulator.journal().count(JournalKind::FaultInjected), 1U);
         EXPECT_EQ(simulator.faults().strikes(0), 1U);
         EXPECT_EQ(simulator.isServiceUp(), true);
@@ -99,13 +92,10 @@ TEST(FaultsTest, EarlyIndicationsAreAllQueuedBeforeOneIsDelivered) {
 }
 
 TEST(FaultsTest, RulesCountOccurrences) {
-    struct Case {
-        FaultRule rule;
-        std::string struck;  // which of ten deletes fail, as digits from 1
-    };
     constexpr auto kDelete = RLINK_WDS_DELETE_PROFILE_REQ_V01;
     const auto fault = Fault::SendFailure;
-    const Case cases[] = {
+    // With each rule: which of nine deletes fail.
+    const std::pair<FaultRule, std::string> cases[] = {
         {{.fault = fault}, "1"},
         {{.fault = fault, .messageId = kDelete, .first = 4}, "4"},
         {{.fault = fault, .messageId = kCreate}, ""},
@@ -115,15 +105,15 @@ TEST(FaultsTest, RulesCountOccurrences) {
         {{.fault = fault, .instance = 1}, ""},
         {{.fault = Fault::TableFull, .count = 0}, ""},
     };
-    for (const auto& one : cases) {
+    for (const auto& [rule, expected] : cases) {
         Simulator simulator;
         SimClient client;
-        simulator.faults().add(one.rule);
+        simulator.faults().add(rule);
         std::string struck;
         for (int i = 1; i < 10; ++i) {
             struck += client.remove(k3gpp, 1).result == 0 ? "" : std::to_string(i);
         }
-        EXPECT_EQ(struck, one.struck);
+        EXPECT_EQ(struck, expected);
     }
 }
 
@@ -191,31 +181,18 @@ std::vector<JournalEntry> journalOf(std::uint64_t seed) {
     Simulator simulator(options);
     Random random(5);
     std::optional<SimClient> client;
-    for (int step = 0; step < 300; ++step) {
-        const int index = static_cast<int>(1 + random.below(4));
-        wds_get_profile_settings_resp_msg_v01 read{};
-        if (step % 20 == 0) {
+    wds_get_profile_settings_resp_msg_v01 read{};
+    const auto someIndex = [&random] { return static_cast<int>(1 + random.below(4)); };
+    for (int step = 0; step < 60; ++step) {
+        if (step % 4 == 0) {
             client.emplace();
         }
-        switch (random.below(6)) {
-            case 0:
-                client->create(k3gpp, settingsWithApn("a", random.chance(0.5)));
-                break;
-            case 1:
-                client->modify(k3gpp, index, settingsWithApn("b"));
-                break;
-            case 2:
-                client->remove(k3gpp, index);
-                break;
-            case 3:
-                client->read(k3gpp, index, read);
-                break;
-            case 4:
-                simulator.foreignCreate(0, k3gpp, settingsWithApn("f"));
-                break;
-            default:
-                simulator.deliverNext();
-        }
+        client->create(k3gpp, settingsWithApn("a", random.chance(0.5)));
+        client->modify(k3gpp, someIndex(), settingsWithApn("b"));
+        client->remove(k3gpp, someIndex());
+        client->read(k3gpp, someIndex(), read);
+        simulator.foreignCreate(0, k3gpp, settingsWithApn("f"));
+        simulator.deliverNext();
     }
     simulator.releaseDelayed();
     simulator.deliverAll();

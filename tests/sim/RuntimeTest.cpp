@@ -42,15 +42,9 @@ TEST(RuntimeTest, IndicationsGoToThoseWhoSubscribed) {
     using Subscription = SimClient::Subscription;
     const auto only = SimClient::name(k3gpp, 1);
     const auto allOf3gpp2 = SimClient::name(k3gpp2, WDS_PROFILE_INDEX_ALL_V01);
-    struct Case {
-        const char* name;
-        Subscription subscription;
-        std::string own;
-        std::string foreign;
-    };
     const std::string all = "Create 3GPP:1 Modify 3GPP:1 Modify 3GPP:1 Delete 3GPP:1 ";
     const std::string all2 = "Create 3GPP2:1 Modify 3GPP2:1 ";
-    const Case cases[] = {
+    const std::tuple<const char*, Subscription, std::string, std::string> cases[] = {
         {"all", {}, all, all2},
         {"not bound", {.bind = false}, "", ""},
         {"not registered", {.wantsChanges = false}, "", ""},
@@ -59,21 +53,21 @@ TEST(RuntimeTest, IndicationsGoToThoseWhoSubscribed) {
         {"one profile", {.events = {only}}, all, ""},
         {"other technology", {.events = {allOf3gpp2}}, "", all2},
     };
-    for (const auto& one : cases) {
-        SCOPED_TRACE(one.name);
+    for (const auto& [name, subscription, own, foreign] : cases) {
+        SCOPED_TRACE(name);
         Simulator simulator;
-        SimClient client(0, one.subscription);
+        SimClient client(0, subscription);
         SimClient elsewhere(1);
         client.create(k3gpp, settingsWithApn("a"));
         client.modify(k3gpp, 1, settingsWithApn("b"));
         client.remove(k3gpp, 1);
         simulator.waitIdle();
-        EXPECT_EQ(client.take(), one.own);
+        EXPECT_EQ(client.take(), own);
         simulator.foreignCreate(0, k3gpp2, settingsWithApn("c"));
         simulator.waitIdle();
-        EXPECT_EQ(client.take(), one.foreign);
+        EXPECT_EQ(client.take(), foreign);
         EXPECT_EQ(elsewhere.take(), "");
-        EXPECT_EQ(simulator.subscribedClients(0), one.foreign.empty() && one.own.empty() ? 0U : 1U);
+        EXPECT_EQ(simulator.subscribedClients(0), foreign.empty() && own.empty() ? 0U : 1U);
     }
 }
 

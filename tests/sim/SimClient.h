@@ -5,7 +5,6 @@
 #include <rlink_client.h>
 #include <wds_service_v01.h>
 
-#include <cstring>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -69,24 +68,27 @@ class SimClient {
     }
 
     Answer create(Technology technology, const Settings& settings) {
-        return ask<wds_create_profile_resp_msg_v01>(RLINK_WDS_CREATE_PROFILE_REQ_V01,
-                                                    creation(technology, settings));
+        return ask<wds_create_profile_resp_msg_v01>(
+            RLINK_WDS_CREATE_PROFILE_REQ_V01,
+            wds_create_profile_req_msg_v01{typeOf(technology), settings});
     }
     Answer modify(Technology technology, int index, const Settings& settings) {
         return ask<wds_modify_profile_settings_resp_msg_v01>(
-            RLINK_WDS_MODIFY_PROFILE_SETTINGS_REQ_V01, modification(technology, index, settings));
+            RLINK_WDS_MODIFY_PROFILE_SETTINGS_REQ_V01,
+            wds_modify_profile_settings_req_msg_v01{name(technology, index), settings, {}});
     }
     Answer remove(Technology technology, int index) {
         return ask<wds_delete_profile_resp_msg_v01>(
             RLINK_WDS_DELETE_PROFILE_REQ_V01,
-            named<wds_delete_profile_req_msg_v01>(technology, index));
+            wds_delete_profile_req_msg_v01{name(technology, index)});
     }
     int read(Technology technology, int index, wds_get_profile_settings_resp_msg_v01& response) {
         return call(RLINK_WDS_GET_PROFILE_SETTINGS_REQ_V01,
-                    named<wds_get_profile_settings_req_msg_v01>(technology, index), response);
+                    wds_get_profile_settings_req_msg_v01{name(technology, index)}, response);
     }
     int list(Technology technology, wds_get_profile_list_resp_msg_v01& response) {
-        return call(RLINK_WDS_GET_PROFILE_LIST_REQ_V01, listing(technology), response);
+        return call(RLINK_WDS_GET_PROFILE_LIST_REQ_V01,
+                    wds_get_profile_list_req_msg_v01{1, typeOf(technology), {}}, response);
     }
     Answer bind(std::int32_t instance) {
         return ask<wds_bind_subscription_resp_msg_v01>(RLINK_WDS_BIND_SUBSCRIPTION_REQ_V01,
@@ -103,40 +105,7 @@ class SimClient {
         return static_cast<wds_profile_type_enum_v01>(static_cast<std::int32_t>(technology));
     }
     static wds_profile_identifier_type_v01 name(Technology technology, int index) {
-        return named<wds_delete_profile_req_msg_v01>(technology, index).profile;
-    }
-    // Journals keep messages byte by byte: nothing in them may be left to chance.
-    template <typename Message>
-    static Message zeroed() {
-        Message message;
-        std::memset(&message, 0, sizeof message);
-        return message;
-    }
-    template <typename Message>
-    static Message named(Technology technology, int index) {
-        auto message = zeroed<Message>();
-        message.profile.profile_type = typeOf(technology);
-        message.profile.profile_index = static_cast<std::uint8_t>(index);
-        return message;
-    }
-    static wds_create_profile_req_msg_v01 creation(Technology technology,
-                                                   const Settings& settings) {
-        auto message = zeroed<wds_create_profile_req_msg_v01>();
-        message.profile_type = typeOf(technology);
-        message.settings = settings;
-        return message;
-    }
-    static wds_get_profile_list_req_msg_v01 listing(Technology technology) {
-        auto message = zeroed<wds_get_profile_list_req_msg_v01>();
-        message.profile_type_valid = 1;
-        message.profile_type = typeOf(technology);
-        return message;
-    }
-    static wds_modify_profile_settings_req_msg_v01 modification(Technology technology, int index,
-                                                                const Settings& settings) {
-        auto message = named<wds_modify_profile_settings_req_msg_v01>(technology, index);
-        message.settings = settings;
-        return message;
+        return {typeOf(technology), static_cast<std::uint8_t>(index)};
     }
 
     rlink_client_type handle = nullptr;
