@@ -106,13 +106,6 @@ void readAll() {
     }
 }
 
-/** Mostly a short list; now and then whatever the bytes say. */
-void setCount(wds_get_profile_list_resp_msg_v01& response, std::uint8_t choice) {
-    if (choice < 0xC0) {
-        response.profile_list_len = choice % 4;
-    }
-}
-
 }  // namespace
 
 extern "C" int rlink_client_send_msg_sync(rlink_client_type, unsigned int message, void*,
@@ -130,8 +123,9 @@ extern "C" int rlink_client_send_msg_sync(rlink_client_type, unsigned int messag
     if (mood < 0xF0) {
         std::memset(response, 0, sizeof(std::uint32_t));
     }
-    if (isList) {
-        setCount(*static_cast<wds_get_profile_list_resp_msg_v01*>(response), input.next());
+    const std::uint8_t count = isList ? input.next() : 0xFF;
+    if (count < 0xC0) {  // mostly a short list; now and then whatever the bytes say
+        static_cast<wds_get_profile_list_resp_msg_v01*>(response)->profile_list_len = count % 4;
     }
     return RLINK_NO_ERROR;
 }

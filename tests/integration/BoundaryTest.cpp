@@ -10,6 +10,7 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <future>
 #include <limits>
 #include <set>
 #include <thread>
@@ -126,7 +127,11 @@ int __wrap_rlink_client_init(rlink_service_info* info, rlink_service_object_type
                              rlink_ind_cb callback, void* data, rlink_client_os_params* params,
                              rlink_client_type* client) {
     use(*params);
-    return __real_rlink_client_init(info, service, callback, data, params, client);
+    const int result = __real_rlink_client_init(info, service, callback, data, params, client);
+    if (result != RLINK_NO_ERROR) {
+        *client = stranger();
+    }
+    return result;
 }
 
 decltype(rlink_client_register_error_cb) __real_rlink_client_register_error_cb;
@@ -315,6 +320,15 @@ TEST_F(BoundaryTest, WhatTheMessagingLibraryIsGiven) {
     settle();
     EXPECT_EQ(sim.openHandles(), 1U) << "one outage, one notifier";
 
+    sim.serviceUp();
+    settle();
+    given.onNotify(nullptr, nullptr, RLINK_SERVICE_AVAILABLE, given.proxy);
+    settle();
+    EXPECT_EQ(sim.openHandles(), 1U) << "one client, however often the service comes";
+
+    fault(velasim::Fault::ClientInitFailure);
+    manager.init(0, false);
+    settle();
     isNotifierFailing = true;
     manager.init(0, false);
     settle();
@@ -326,7 +340,7 @@ TEST_F(BoundaryTest, WhatTheMessagingLibraryIsGiven) {
 
 TEST_F(BoundaryTest, AnObserverThatComesDuringAMessageIsNotToldOfIt) {
     struct Counter : Observer {
-        void onMessage(const ModemMessage&) override { ++messages; }
+        void onMessage(const ModemMessage& /*message*/) override { ++messages; }
         int messages = 0;
     };
     const auto counter = std::make_shared<Counter>();
@@ -341,6 +355,28 @@ TEST_F(BoundaryTest, AnObserverThatComesDuringAMessageIsNotToldOfIt) {
     add("apn=c");
     EXPECT_EQ(counter->messages, 2);
     setObserver(nullptr);
+}
+
+TEST_F(BoundaryTest, DumpTellsOfAWorkerThatIsStuck) {
+    std::vector<std::string> lines;
+    const auto dumpElsewhere = [&] {
+        lines = std::async(std::launch::async, [&] { return manager.dump(); }).get();
+    };
+    const auto says = [](const std::string& text) {
+        return Contains(testing::ContainsRegex(text));
+    };
+    start();
+    const Key key = add("apn=internet");
+    key->registerExpirationListener([&] {
+        EXPECT_THAT(lines, says("busy for [0-9]+ ms with Delete, message 41 to the modem"));
+        dumpElsewhere();
+    });
+    duringMessage = dumpElsewhere;
+    EXPECT_TRUE(manager.deleteProfile(key));
+    duringMessage = [] {};
+    EXPECT_THAT(lines, says("busy for [0-9]+ ms with Delete, no message to the modem"));
+    EXPECT_THAT(lines, says("Manager::deleteProfile >"));
+    EXPECT_THAT(manager.dump(), testing::Not(says("busy for")));
 }
 
 }  // namespace

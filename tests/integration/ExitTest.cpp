@@ -122,7 +122,7 @@ TEST(ExitDeathTest, EndsWhileThreadsAreInside) {
     }
 }
 
-class Inside : public ClientFixture {};
+using Inside = ClientFixture;
 
 TEST_F(Inside, AnotherInitAnswersEveryCallBeforeAndAfter) {
     store("apn_name=internet");
@@ -151,26 +151,6 @@ TEST_F(Inside, AnotherInitAnswersEveryCallBeforeAndAfter) {
     for (auto& calls : callers) {
         EXPECT_GT(calls.get(), 0U);
     }
-}
-
-TEST_F(Inside, DumpTellsOfAWorkerThatIsStuck) {
-    start();
-    std::promise<void> entered;
-    std::promise<void> mayReturn;
-    const Key key = add("apn=internet");
-    key->registerExpirationListener([&] {
-        entered.set_value();
-        mayReturn.get_future().wait();
-    });
-    auto removal = std::async(std::launch::async, [&] { return manager.deleteProfile(key); });
-    entered.get_future().wait();
-    const auto lines = manager.dump();
-    EXPECT_THAT(lines, testing::Contains(testing::ContainsRegex(
-                           "busy for [0-9]+ ms with Delete, no message to the modem")));
-    EXPECT_THAT(lines, testing::Contains(testing::HasSubstr("Manager::deleteProfile >")));
-    mayReturn.set_value();
-    EXPECT_TRUE(removal.get());
-    EXPECT_THAT(manager.dump(), testing::Not(testing::Contains(testing::HasSubstr("busy for"))));
 }
 
 }  // namespace

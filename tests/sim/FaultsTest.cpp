@@ -68,8 +68,12 @@ TEST(FaultsTest, OrderAmongWaitingIndicationsAndWhatIsHeldBack) {
     simulator.faults().add(
         {.fault = Fault::DelayIndication, .value = 9, .event = ChangeEvent::ProfileReady});
     simulator.profileReady(0);
-    simulator.deliverAll();
-    EXPECT_EQ(client.take(), "Delete 3GPP:1 Create 3GPP:1 Modify 3GPP:1 ");
+    EXPECT_EQ(simulator.pendingDeliveries(), 3U);
+    EXPECT_TRUE(simulator.deliverNext());
+    EXPECT_EQ(client.take(), "Delete 3GPP:1 ");
+    EXPECT_EQ(simulator.deliverAll(), 2U);
+    EXPECT_FALSE(simulator.deliverNext());
+    EXPECT_EQ(client.take(), "Create 3GPP:1 Modify 3GPP:1 ");
     EXPECT_EQ(simulator.releaseDelayed(), 1U);
     simulator.waitIdle();
     EXPECT_EQ(client.take(), "ProfileReady 3GPP:0 ");

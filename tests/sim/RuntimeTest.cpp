@@ -214,18 +214,6 @@ TEST(RuntimeTest, SimulatorsShareNothing) {
     EXPECT_EQ(SimClient().connected, 0);
 }
 
-TEST(RuntimeTest, SteppedDeliveryIsOneByOne) {
-    Simulator simulator({.delivery = DeliveryMode::Stepped});
-    SimClient client;
-    client.create(k3gpp, {});
-    EXPECT_EQ(simulator.pendingDeliveries(), 2U);
-    EXPECT_EQ(client.take(), "");
-    EXPECT_TRUE(simulator.deliverNext());
-    EXPECT_EQ(client.take(), "Create 3GPP:1 ");
-    EXPECT_EQ(simulator.deliverAll(), 1U);
-    EXPECT_FALSE(simulator.deliverNext());
-}
-
 // Threads that connect, change and go while the service restarts: for the sanitizers, and no hang.
 TEST(RuntimeTest, ManyThreads) {
     Simulator simulator({.capacity = 255, .journalLimit = 100});

@@ -30,56 +30,49 @@ std::string print(T value) {
     return out.str();
 }
 
+template <typename Base, typename... Records>
+void checkTexts(const Records&... records) {
+    for (const Base* record : {static_cast<const Base*>(&records)...}) {
+        check(!record->dump().empty(), "a request and a response have a text");
+    }
+}
+
 // Each request keeps its type and its text across the library's boundary.
 void requests() {
-    const vela::ProfileParams params;
-    const vela::AddRequest add(
-        vela::AddProfileParams(params, true, vela::TechType::TECH_3GPP, false));
-    const vela::ModifyRequest modify(vela::ModifyProfileParams(params), nullptr);
-    const vela::DeleteRequest remove(nullptr);
-    const vela::FilterRequest filter{vela::FilterProfileParams(params)};
-    const vela::MatchRequest match(vela::FilterProfileParams(params), nullptr);
-    const vela::GetRequest get(nullptr);
-    const vela::RefreshRequest refresh(vela::PDCRefreshStatus::RefreshStarted);
+    const vela::FilterProfileParams params;
     vela::CallbackRequest callback;
     callback.setReleaseToken(7);
-    const vela::ClientRequest* const all[] = {&add,   &modify, &remove,  &filter,
-                                              &match, &get,    &refresh, &callback};
-    for (const vela::ClientRequest* request : all) {
-        check(!request->dump().empty(), "a request has a text");
-        check(!print(request->getRequestType()).empty(), "a request type has a name");
-    }
+    const vela::GetRequest get(nullptr);
+    checkTexts<vela::ClientRequest>(
+        vela::AddRequest(vela::AddProfileParams(params, true, vela::TechType::TECH_3GPP, false)),
+        vela::ModifyRequest(vela::ModifyProfileParams(params), nullptr),
+        vela::DeleteRequest(nullptr), vela::FilterRequest(params),
+        vela::MatchRequest(params, nullptr), get, callback,
+        vela::RefreshRequest(vela::PDCRefreshStatus::RefreshStarted));
     const vela::ClientRequest* base = &get;
+    check(print(base->getRequestType()) == "Get", "a request type has a name");
     check(dynamic_cast<const vela::GetRequest*>(base) != nullptr, "a request keeps its class");
     check(dynamic_cast<const vela::AddRequest*>(base) == nullptr, "requests differ in class");
 }
 
 void responses() {
     const vela::Status ok = vela::Status::Success;
-    const vela::AddResponse add(ok, nullptr);
-    const vela::ModifyResponse modify(ok);
-    const vela::DeleteResponse remove(ok);
-    const vela::FilterResponse filter(ok, {});
-    const vela::MatchResponse match(ok, true);
     const vela::GetResponse get(ok, std::nullopt);
-    const vela::CallbackResponse callback(ok);
-    const vela::RefreshResponse refresh(ok);
-    const vela::ClientResponse* const all[] = {&add,   &modify, &remove,   &filter,
-                                               &match, &get,    &callback, &refresh};
-    for (const vela::ClientResponse* response : all) {
-        check(!response->dump().empty(), "a response has a text");
-        check(print(response->getStatus()) == print(ok), "a response keeps its status");
-    }
+    checkTexts<vela::ClientResponse>(vela::AddResponse(ok, nullptr), vela::ModifyResponse(ok),
+                                     vela::DeleteResponse(ok), vela::FilterResponse(ok, {}),
+                                     vela::MatchResponse(ok, true), get, vela::CallbackResponse(ok),
+                                     vela::RefreshResponse(ok));
+    check(print(get.getStatus()) == print(ok), "a response keeps its status");
 }
 
 void records() {
     vela::FilterProfileParams filter;
     filter.setApnName("internet");
     check(filter.dump().find("internet") != std::string::npos, "a record prints its fields");
-    check(!print(vela::TechType::TECH_3GPP2).empty(), "a technology has a name");
-    check(!print(vela::IPType::V4V6).empty(), "an IP type has a name");
-    check(!print(vela::AuthType::PAP).empty(), "an authentication type has a name");
-    check(!print(vela::ApnClass::IMS).empty(), "an APN class has a name");
+    check(print(vela::TechType::TECH_3GPP2) == "3GPP2", "a technology has a name");
+    check(print(vela::IPType::V4V6) == "V4V6", "an IP type has a name");
+    check(print(vela::AuthType::PAP) == "PAP", "an authentication type has a name");
+    check(print(vela::ApnClass::IMS) == "IMS", "an APN class has a name");
 }
 
 class PolicyCounter : public vela::Observer {
