@@ -263,7 +263,7 @@ void Modem3gppProfile::writeIPTypes(wds_profile_settings_type_v01& to) const {
 }
 
 std::string Modem3gppProfile::dump() const {
-    DumpText text(DumpText::Booleans::Digits);
+    DumpText text(DumpText::Booleans::Digits, 2 * DumpText::kProfile);
     text << ModemProfile::dump();
     return text.field("OverrideHomeIPType", overrideHomeIPType)
         .field("LteRoamIP", lteRoamIPType)
@@ -274,7 +274,7 @@ std::string Modem3gppProfile::dump() const {
         .field("IsApnDisabled", isApnDisabled)
         .field("IsEmergencySupported", isEmergencySupported)
         .field("ProfileName", profileName)
-        .str();
+        .take();
 }
 
 }  // namespace vela

@@ -144,7 +144,7 @@ void ModemProfile::apply(std::shared_ptr<ModemProfile> other) {
 }
 
 std::string ModemProfile::dump() const {
-    return DumpText(DumpText::Booleans::Digits)
+    return DumpText(DumpText::Booleans::Digits, DumpText::kProfile)
         .field("TechType", std::optional(techType))
         .field("ProfileId", std::optional(profileId))
         .field("ApnName", apnName)
@@ -155,7 +155,7 @@ std::string ModemProfile::dump() const {
         .field("ApnTypesMask", apnTypesMask)
         .field("ApnClass", apnClass)
         .field("IsClatEnabled", isClatEnabled)
-        .str();
+        .take();
 }
 
 wds_profile_identifier_type_v01 ModemProfile::constructProfileIdentifier() const {

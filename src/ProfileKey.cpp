@@ -28,7 +28,7 @@ void ProfileKey::registerExpirationListener(std::function<void()> callback) {
 std::string ProfileKey::dump() const {
     DumpText text;
     text << techType << ":" << profileId << " token=" << token;
-    return text.str();
+    return text.take();
 }
 
 }  // namespace vela

@@ -47,7 +47,7 @@ std::string ProfileParams::dump() const {
     if (apnTypesMask) {
         apnTypes = apnTypesText(*apnTypesMask);
     }
-    return DumpText(DumpText::Booleans::Words)
+    return DumpText(DumpText::Booleans::Words, DumpText::kProfile)
         .field("ApnName", apnName)
         .field("UserName", userName)
         .field("Password", password)
@@ -64,7 +64,7 @@ std::string ProfileParams::dump() const {
         .field("IsEmergencySupported", isEmergencySupported)
         .field("IsVelaProfile", isVelaProfile)
         .field("IsIAProfile", isIAProfile)
-        .str();
+        .take();
 }
 
 AddProfileParams::AddProfileParams(bool persistent, TechType tech, bool iaProfile)
@@ -77,16 +77,16 @@ AddProfileParams::AddProfileParams(const ProfileParams& params, bool persistent,
 }
 
 std::string AddProfileParams::dump() const {
-    return (DumpText(DumpText::Booleans::Words)
-            << techType << " persist=" << isPersistent << ": " << ProfileParams::dump())
-        .str();
+    DumpText text(DumpText::Booleans::Words);
+    text << techType << " persist=" << isPersistent << ": ";
+    return ProfileParams::dump().insert(0, text.take());
 }
 
 std::string FilterProfileParams::dump() const {
     DumpText text(DumpText::Booleans::Words);
     text << criteriaText(filterMatchCriteria) << ": ";
     text.field("tech", filterByTechType).field("id", filterByProfileId);
-    return (text << ProfileParams::dump()).str();
+    return ProfileParams::dump().insert(0, text.take());
 }
 
 }  // namespace vela

@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "vela/Requests.h"
 
-#include <ostream>
 #include <utility>
 
 #include "DumpText.h"
@@ -10,34 +9,12 @@
 
 namespace vela {
 
-std::ostream& operator<<(std::ostream& out, ReqRespType value) {
-    switch (value) {
-        case ReqRespType::Add:
-            return out << "Add";
-        case ReqRespType::Modify:
-            return out << "Modify";
-        case ReqRespType::Delete:
-            return out << "Delete";
-        case ReqRespType::Filter:
-            return out << "Filter";
-        case ReqRespType::Match:
-            return out << "Match";
-        case ReqRespType::Get:
-            return out << "Get";
-        case ReqRespType::Callback:
-            return out << "Callback";
-        case ReqRespType::Refresh:
-            return out << "Refresh";
-    }
-    return out << static_cast<std::int32_t>(value);
-}
-
 ClientRequest::~ClientRequest() = default;
 
 std::string ClientRequest::dump() const {
     DumpText text;
     text << type << " ";
-    return text.str();
+    return text.take();
 }
 
 AddRequest::AddRequest(AddProfileParams params)

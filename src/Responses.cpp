@@ -2,7 +2,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "vela/Responses.h"
 
-#include <ostream>
 #include <utility>
 
 #include "DumpText.h"
@@ -10,22 +9,12 @@
 
 namespace vela {
 
-std::ostream& operator<<(std::ostream& out, Status value) {
-    switch (value) {
-        case Status::Success:
-            return out << "Success";
-        case Status::Failure:
-            return out << "Failure";
-    }
-    return out << static_cast<std::int32_t>(value);
-}
-
 ClientResponse::~ClientResponse() = default;
 
 std::string ClientResponse::dump() const {
     DumpText text;
     text << type << " " << status;
-    return text.str();
+    return text.take();
 }
 
 AddResponse::AddResponse(Status status, std::shared_ptr<IProfileKey> key)

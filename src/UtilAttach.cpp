@@ -67,7 +67,7 @@ bool Util::matchLteAttachProfileId(int profileId, const ProfileParams& params) {
         {Policy::LteAttachMatch, profileUpdateAllowed, &params, TechType::TECH_3GPP, profileId});
     DumpText request;
     request << "Profile id = " << profileId << " Input Params = " << params.dump();
-    log(LogLevel::Notice, "vela matchLteAttachProfileId > %s", request.str().c_str());
+    log(LogLevel::Notice, "vela matchLteAttachProfileId > %s", request.take().c_str());
 
     const std::shared_ptr<IProfileKey> key = findById(manager, profileId);
     if (!key) {

@@ -20,7 +20,7 @@ std::string WorkerActivity::dump(std::uint32_t message) const {
     } else {
         text << ", message " << message << " to the modem under way";
     }
-    return text.str();
+    return text.take();
 }
 
 }  // namespace vela
