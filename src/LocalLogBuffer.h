@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <deque>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Mutex.h"
@@ -23,7 +24,7 @@ class LocalLogBuffer {
     LocalLogBuffer& operator=(const LocalLogBuffer&) = delete;
 
     /** Appends four blanks, the local time in milliseconds, the name in brackets and `message`. */
-    void addLogWithTimestamp(std::string message);
+    void addLogWithTimestamp(std::string_view message);
 
     /** A copy of the stored lines, oldest first. */
     std::vector<std::string> getLogs();

@@ -3,18 +3,14 @@
 #include "LogWrapper.h"
 
 #include <array>
-#include <cstdio>
 #include <new>
 #include <utility>
 
 #include "ForkedChild.h"
+#include "LineFormat.h"
 #include "LocalLogBuffer.h"
 
 namespace vela {
-
-namespace {
-constexpr std::size_t kMessageSize = 512;  // with the terminator
-}
 
 /** Closes the wrapper at process exit, while the local buffer still exists. */
 class LogWrapper::ExitGuard {
@@ -45,16 +41,15 @@ void LogWrapper::log(LogLevel level, const char* tag, const char* format, ...) {
 
 void LogWrapper::logArguments(LogLevel level, const char* tag, const char* format,
                               va_list arguments) {
-    std::array<char, kMessageSize> message{};
-    std::vsnprintf(message.data(), message.size(), format, arguments);
-    deliver(level, tag, message.data());
+    std::array<char, kMessageSize> message;
+    deliver(level, tag, formatLine(message.data(), message.size(), format, arguments));
 }
 
-void LogWrapper::logText(LogLevel level, const char* tag, const std::string& message) {
+void LogWrapper::logText(LogLevel level, const char* tag, std::string_view message) {
     deliver(level, tag, message.substr(0, kMessageSize - 1));
 }
 
-void LogWrapper::deliver(LogLevel level, const char* tag, const std::string& message) {
+void LogWrapper::deliver(LogLevel level, const char* tag, std::string_view message) {
     if (isForkedChild()) {
         return;
     }
@@ -63,7 +58,7 @@ void LogWrapper::deliver(LogLevel level, const char* tag, const std::string& mes
         return;
     }
     if (writer) {
-        writer->write(level, tag, message);
+        writer->write(level, tag, std::string(message));
     }
     if (level == LogLevel::Error || level == LogLevel::Notice) {
         LocalLogBuffer::getInstance().addLogWithTimestamp(message);
@@ -99,7 +94,7 @@ void log(LogLevel level, const char* format, ...) {
     va_end(arguments);
 }
 
-void logText(LogLevel level, const std::string& message) {
+void logText(LogLevel level, std::string_view message) {
     LogWrapper::getInstance().logText(level, kLogTag, message);
 }
 

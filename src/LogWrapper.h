@@ -3,8 +3,9 @@
 #pragma once
 
 #include <cstdarg>
+#include <cstddef>
 #include <memory>
-#include <string>
+#include <string_view>
 
 #include "LogWriter.h"
 #include "Mutex.h"
@@ -21,6 +22,9 @@ inline constexpr const char* kLogTag = "VELA";
  */
 class LogWrapper {
   public:
+    /** What a message can hold, with the terminator. */
+    static constexpr std::size_t kMessageSize = 512;
+
     /** The process-wide instance. Its writer is destroyed at process exit, after the Manager. */
     static LogWrapper& getInstance();
 
@@ -32,7 +36,7 @@ class LogWrapper {
         __attribute__((format(printf, 4, 5)));
 
     /** Logs `message` as it stands, cut to 511 bytes; for texts that are not the library's own. */
-    void logText(LogLevel level, const char* tag, const std::string& message);
+    void logText(LogLevel level, const char* tag, std::string_view message);
 
     /** Replaces the writer, and destroys the previous one; empty for none. */
     void setLogWriter(std::unique_ptr<LogWriter> newWriter);
@@ -47,7 +51,7 @@ class LogWrapper {
 
     void logArguments(LogLevel level, const char* tag, const char* format, va_list arguments)
         __attribute__((format(printf, 4, 0)));
-    void deliver(LogLevel level, const char* tag, const std::string& message);
+    void deliver(LogLevel level, const char* tag, std::string_view message);
     void close();
 
     // Shared by lines, so that they do not wait for one another; exclusive for a change of writer.
@@ -60,6 +64,6 @@ class LogWrapper {
 void log(LogLevel level, const char* format, ...) __attribute__((format(printf, 2, 3)));
 
 /** Logs `message` as it stands under the library's own tag. */
-void logText(LogLevel level, const std::string& message);
+void logText(LogLevel level, std::string_view message);
 
 }  // namespace vela
