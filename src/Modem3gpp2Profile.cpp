@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Modem3gpp2Profile.h"
 
+#include <utility>
+
 #include "MessagePart.h"
 #include "ModemConversions.h"
 
@@ -64,7 +66,7 @@ ProfileParams Modem3gpp2Profile::get() const {
     if (commonIPType) {
         params.setHomeIPType(*commonIPType);
     }
-    return ProfileParams(params);
+    return ProfileParams(std::move(params));
 }
 
 wds_create_profile_req_msg_v01 Modem3gpp2Profile::constructAddRequest() const {

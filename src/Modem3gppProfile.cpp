@@ -4,6 +4,7 @@
 
 #include <array>
 #include <tuple>
+#include <utility>
 
 #include "DumpText.h"
 #include "MessagePart.h"
@@ -214,7 +215,7 @@ ProfileParams Modem3gppProfile::get() const {
         params.setRoamIPType(*lteRoamIPType);
     }
     forEachField(Fields::kOwn, [&](const auto& field) { field.write(*this, params); });
-    return ProfileParams(params);
+    return ProfileParams(std::move(params));
 }
 
 wds_create_profile_req_msg_v01 Modem3gppProfile::constructAddRequest() const {

@@ -2,8 +2,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ModemConversions.h"
 
-#include <algorithm>
-
 #include "LogWrapper.h"
 
 namespace vela {
@@ -207,9 +205,9 @@ std::uint64_t convertToRlinkApnTypeMask(unsigned int apnTypes) {
 
 std::string convertToLower(const std::string& text) {
     std::string lower = text;
-    std::transform(lower.begin(), lower.end(), lower.begin(), [](char letter) {
-        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter | 0x20) : letter;
-    });
+    for (char& letter : lower) {
+        letter = convertToLower(letter);
+    }
     return lower;
 }
 

@@ -68,7 +68,11 @@ std::uint64_t convertToSingleRlinkApnType(ApnTypes type);
 /** A mask in the modem's layout; bits that `ApnTypes` does not define are dropped. */
 std::uint64_t convertToRlinkApnTypeMask(unsigned int apnTypes);
 
-/** Lowers the ASCII letters and leaves every other byte alone, in any locale. */
+/** Lowers an ASCII letter and leaves every other byte alone, in any locale. */
+constexpr char convertToLower(char letter) {
+    const bool isUpper = static_cast<unsigned char>(letter - 'A') < 26;
+    return static_cast<char>(letter + (isUpper ? 'a' - 'A' : 0));
+}
 std::string convertToLower(const std::string& text);
 
 }  // namespace vela

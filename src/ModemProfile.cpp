@@ -2,8 +2,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ModemProfile.h"
 
+#include <algorithm>
 #include <cstring>
 #include <iterator>
+#include <string_view>
 #include <tuple>
 
 #include "DumpText.h"
@@ -94,11 +96,17 @@ bool ModemProfile::matchApnName(const FilterProfileParams& params) const {
     if (!params.hasApnName()) {
         return true;
     }
-    const std::string wanted = normalApnName(params.getApnName());
-    if (has(params, FilterMatchCriteria::ApnNameSubset)) {
-        return apnName && apnName->find(wanted) != std::string::npos;
+    if (!apnName) {
+        return false;
     }
-    return apnName == wanted;
+    const std::string_view wanted =
+        std::string_view(*params.apnName).substr(0, WDS_APN_NAME_MAX_V01);
+    const auto isSame = [](char own, char asked) { return own == convertToLower(asked); };
+    if (has(params, FilterMatchCriteria::ApnNameSubset)) {
+        return wanted.empty() || std::search(apnName->begin(), apnName->end(), wanted.begin(),
+                                             wanted.end(), isSame) != apnName->end();
+    }
+    return std::equal(apnName->begin(), apnName->end(), wanted.begin(), wanted.end(), isSame);
 }
 
 bool ModemProfile::matchApnTypesMask(const FilterProfileParams& params) const {

@@ -115,6 +115,8 @@ class VELA_API ProfileParams {
     std::optional<bool> isIAProfile;
 
   private:
+    friend class ModemProfile;  // compares the APN name where it stands
+
     std::optional<std::int32_t> reserved;  // carried along for future use
     std::optional<std::string> apnName;
     std::optional<std::string> userName;
