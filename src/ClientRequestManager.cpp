@@ -299,7 +299,8 @@ std::shared_ptr<ClientResponse> ClientRequestManager::get(ClientRequest& request
             params = cache.get(key);
         }
     }
-    return std::make_shared<GetResponse>(toStatus(params.has_value()), params);
+    const Status status = toStatus(params.has_value());
+    return std::make_shared<GetResponse>(status, std::move(params));
 }
 
 std::shared_ptr<ClientResponse> ClientRequestManager::callBack(ClientRequest& request) {

@@ -5,6 +5,7 @@
 #include <array>
 #include <iterator>
 #include <new>
+#include <type_traits>
 #include <utility>
 
 #include "AdbWriter.h"
@@ -130,6 +131,19 @@ std::shared_ptr<RequestLine> Manager::connection() const {
     return state->line;
 }
 
+namespace {
+
+template <typename Response>
+std::string textOf(const Response& response) {
+    if constexpr (std::is_same_v<Response, FilterResponse>) {
+        return response.dump(LogWrapper::kMessageSize);  // of very many keys the rest would be cut
+    } else {
+        return response.dump();
+    }
+}
+
+}  // namespace
+
 /** One round trip; empty, and logged, when no response of the expected class came back. */
 template <typename Response>
 std::shared_ptr<Response> Manager::process(const char* operation, const char* castMessage,
@@ -137,9 +151,12 @@ std::shared_ptr<Response> Manager::process(const char* operation, const char* ca
     log(LogLevel::Notice, "Manager::%s > %s", operation, request->dump().c_str());
     const auto line = connection();
     const std::shared_ptr<ClientResponse> response = line ? line->post(request) : nullptr;
-    log(LogLevel::Notice, "Manager::%s < %s", operation, response ? response->dump().c_str() : "");
     auto expected = std::dynamic_pointer_cast<Response>(response);
-    if (!expected) {
+    if (expected) {
+        log(LogLevel::Notice, "Manager::%s < %s", operation, textOf(*expected).c_str());
+    } else {
+        log(LogLevel::Notice, "Manager::%s < %s", operation,
+            response ? response->dump().c_str() : "");
         logText(LogLevel::Error, castMessage);
     }
     return expected;
@@ -188,7 +205,7 @@ std::list<std::shared_ptr<IProfileKey>> Manager::filter(const FilterProfileParam
     }
     const auto response = process<FilterResponse>("filter", "Unable to cast to FilterResponse",
                                                   std::make_shared<FilterRequest>(params));
-    return response ? response->getFilterResult() : std::list<std::shared_ptr<IProfileKey>>();
+    return response ? response->takeFilterResult() : std::list<std::shared_ptr<IProfileKey>>();
 }
 
 std::optional<ProfileParams> Manager::getProfile(std::shared_ptr<IProfileKey> key) {
@@ -200,7 +217,7 @@ std::optional<ProfileParams> Manager::getProfile(std::shared_ptr<IProfileKey> ke
     if (!response || response->getStatus() != Status::Success) {
         return std::nullopt;
     }
-    return response->getParams();
+    return response->takeParams();
 }
 
 bool Manager::match(const FilterProfileParams& params, std::shared_ptr<IProfileKey> key) {

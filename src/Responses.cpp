@@ -32,9 +32,16 @@ FilterResponse::FilterResponse(Status status, std::list<std::shared_ptr<IProfile
     : ClientResponse(ReqRespType::Filter, status), keys(std::move(keys)) {}
 
 std::string FilterResponse::dump() const {
+    return dump(std::string::npos);
+}
+
+std::string FilterResponse::dump(std::size_t length) const {
     std::string text = ClientResponse::dump() + " ";
     for (const std::shared_ptr<IProfileKey>& key : keys) {
-        text += keyText(key, "null") + ",";
+        if (text.size() >= length) {
+            break;
+        }
+        text.append(keyText(key, "null")).append(",");
     }
     return text;
 }

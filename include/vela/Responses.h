@@ -5,12 +5,14 @@
 // the text of its log line. Immutable.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <iosfwd>
 #include <list>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "vela/Export.h"
 #include "vela/IProfileKey.h"
@@ -71,7 +73,11 @@ class VELA_API FilterResponse : public ClientResponse {
   public:
     FilterResponse(Status status, std::list<std::shared_ptr<IProfileKey>> keys);
     std::list<std::shared_ptr<IProfileKey>> getFilterResult() const { return keys; }
+    /** The same without a copy; nothing is left of it here. */
+    std::list<std::shared_ptr<IProfileKey>> takeFilterResult() { return std::move(keys); }
     std::string dump() const override;
+    /** As much of the dump as makes `length` bytes, or a little more. */
+    std::string dump(std::size_t length) const;
 
   private:
     std::list<std::shared_ptr<IProfileKey>> keys;
@@ -92,6 +98,8 @@ class VELA_API GetResponse : public ClientResponse {
     GetResponse(Status status, std::optional<ProfileParams> params);
     /** Empty when the profile could not be read. */
     std::optional<ProfileParams> getParams() const { return params; }
+    /** The same without a copy; what is left here is unspecified. */
+    std::optional<ProfileParams> takeParams() { return std::move(params); }
     std::string dump() const override;
 
   private:
