@@ -9,12 +9,15 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <limits>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "AdbWriter.h"
 #include "DiagWriter.h"
+#include "LineFormat.h"
 #include "LocalLogBuffer.h"
 #include "LogCapture.h"
 #include "support/DeathTests.h"
@@ -75,7 +78,43 @@ TEST(LocalLogBuffer, LineCarriesLocalTimeAndName) {
     LocalLogBuffer buffer("NAME", 1);
     buffer.addLogWithTimestamp(" text");
     EXPECT_THAT(buffer.getLogs(), ElementsAre("    2001-09-09 07:16:40.007 [NAME] text"));
+    const timeval former = std::exchange(now, {now.tv_sec + 1, 999'999});
+    buffer.addLogWithTimestamp("");
+    EXPECT_EQ(buffer.getLogs().back(), "    2001-09-09 07:16:41.999 [NAME]");
+    now = former;
     EXPECT_EQ(buffer.getName(), "NAME");
+}
+
+/** Whether a line, in however much room, is what vsnprintf() makes of it. */
+bool isAsPrintf(const char* format, ...) __attribute__((format(printf, 1, 2)));
+bool isAsPrintf(const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    bool isSame = true;
+    for (std::size_t room = 1; room < 600; ++room) {
+        std::string ours(room, '?');
+        std::string theirs(room, '?');
+        va_list again;
+        va_copy(again, arguments);
+        std::vsnprintf(theirs.data(), room, format, again);
+        va_end(again);
+        va_copy(again, arguments);
+        isSame = isSame && formatLine(ours.data(), room, format, again) == theirs.c_str();
+        va_end(again);
+    }
+    va_end(arguments);
+    return isSame;
+}
+
+TEST(LineFormat, IsThatOfPrintf) {
+    const std::string longText(599, 'x');
+    EXPECT_TRUE(isAsPrintf("%d|%d|%d", std::numeric_limits<int>::min(), 0, 4711));
+    EXPECT_TRUE(isAsPrintf("%lu %x%x", std::numeric_limits<unsigned long>::max(), ~0U, 0U));
+    EXPECT_TRUE(isAsPrintf("%s%s, %s.", "", "%d", longText.c_str()));
+    EXPECT_TRUE(isAsPrintf("100%%: %s %d", "text", 5));
+    EXPECT_TRUE(isAsPrintf("%s %p 0%o %5d", "text", static_cast<const void*>(&longText), 8U, 7));
+    EXPECT_TRUE(isAsPrintf("%ld,%d", -1L, 3));
+    EXPECT_TRUE(isAsPrintf("no argument"));
 }
 
 TEST(LogWrapper, KeepsErrorsAndNoticesInTheLocalBuffer) {
