@@ -5,6 +5,7 @@
 #include <diag_log.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdarg>
 #include <cstdio>
 #include <utility>
@@ -14,20 +15,26 @@ namespace velasim {
 namespace {
 
 constexpr std::size_t kLinesKept = 4096;
+constexpr std::size_t kUsualLine = 600;  // longer ones are formatted twice
 
 // The format is the business of whoever logs.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
 
 std::string format(const char* pattern, std::va_list arguments) {
+    std::array<char, kUsualLine> usual;
     std::va_list again;
     va_copy(again, arguments);
-    const int length = std::vsnprintf(nullptr, 0, pattern, again);
+    const int length = std::vsnprintf(usual.data(), usual.size(), pattern, again);
     va_end(again);
     if (length < 0) {
         return {};
     }
-    std::string text(static_cast<std::size_t>(length) + 1, '\0');
+    const auto size = static_cast<std::size_t>(length);
+    if (size < usual.size()) {
+        return {usual.data(), size};
+    }
+    std::string text(size + 1, '\0');
     std::vsnprintf(text.data(), text.size(), pattern, arguments);
     text.pop_back();
     return text;
