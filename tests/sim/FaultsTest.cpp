@@ -18,36 +18,35 @@ constexpr auto kCreate = RLINK_WDS_CREATE_PROFILE_REQ_V01;
 // One create of a persistent profile under each fault: what the caller sees, whether the profile is
 // there, and what callbacks see until the response and in all.
 TEST(FaultsTest, EachFaultDoesWhatItSays) {
-    const auto none = ModemError::None;
-    const auto nonsense = static_cast<ModemError>(0xA5A5A5A5);  // a failed call leaves no answer
+    using Answer = SimClient::Answer;
+    const Answer done{0, ModemError::None, 1};
+    const auto failed = [](int result) {  // which leaves no answer
+        return Answer{result, static_cast<ModemError>(0xA5A5A5A5), 0xA5};
+    };
     const std::string both = "Create 3GPP:1 Modify 3GPP:1 ";
-    const std::tuple<Fault, std::uint32_t, int, ModemError, bool, std::string, std::string>
-        cases[] = {
-            {Fault::SendFailure, 0, RLINK_ERROR_INTERNAL, nonsense, false, "", ""},
-            {Fault::Timeout, 0, RLINK_ERROR_TIMEOUT, nonsense, false, "", ""},
-            {Fault::TimeoutAfterEffect, 0, RLINK_ERROR_TIMEOUT, nonsense, true, "", both},
-            {Fault::Refuse, 77, 0, static_cast<ModemError>(77), false, "", ""},
-            {Fault::TableFull, 0, 0, ModemError::TableFull, false, "", ""},
-            {Fault::RestartBeforeEffect, 0, RLINK_ERROR_SERVICE, nonsense, false, "", "Error "},
-            {Fault::RestartAfterEffect, 0, RLINK_ERROR_SERVICE, nonsense, true, "", "Error "},
-            {Fault::RestartAfterResponse, 0, 0, none, true, "", "Error "},
-            {Fault::LoseIndication, 0, 0, none, true, "", "Modify 3GPP:1 "},
-            {Fault::DelayIndication, 0, 0, none, true, "", "Modify 3GPP:1 Create 3GPP:1 "},
-            {Fault::DelayIndication, 2, 0, none, true, "", "Modify 3GPP:1 "},
-            {Fault::DuplicateIndication, 2, 0, none, true, "",
-             "Create 3GPP:1 Create 3GPP:1 " + both},
-            {Fault::IndicationBeforeResponse, 0, 0, none, true, "Create 3GPP:1 ", both},
-            {Fault::TruncateIndication, 0, 0, none, true, "", "bad Modify 3GPP:1 "},
-            {Fault::TruncateIndication, 3, 0, none, true, "", "bad Modify 3GPP:1 "},
-        };
-    for (const auto& [fault, value, result, error, isStored, early, all] : cases) {
+    const std::tuple<Fault, std::uint32_t, Answer, bool, std::string, std::string> cases[] = {
+        {Fault::SendFailure, 0, failed(RLINK_ERROR_INTERNAL), false, "", ""},
+        {Fault::Timeout, 0, failed(RLINK_ERROR_TIMEOUT), false, "", ""},
+        {Fault::TimeoutAfterEffect, 0, failed(RLINK_ERROR_TIMEOUT), true, "", both},
+        {Fault::Refuse, 77, Answer{0, static_cast<ModemError>(77)}, false, "", ""},
+        {Fault::TableFull, 0, Answer{0, ModemError::TableFull}, false, "", ""},
+        {Fault::RestartBeforeEffect, 0, failed(RLINK_ERROR_SERVICE), false, "", "Error "},
+        {Fault::RestartAfterEffect, 0, failed(RLINK_ERROR_SERVICE), true, "", "Error "},
+        {Fault::RestartAfterResponse, 0, done, true, "", "Error "},
+        {Fault::LoseIndication, 0, done, true, "", "Modify 3GPP:1 "},
+        {Fault::DelayIndication, 0, done, true, "", "Modify 3GPP:1 Create 3GPP:1 "},
+        {Fault::DelayIndication, 2, done, true, "", "Modify 3GPP:1 "},
+        {Fault::DuplicateIndication, 2, done, true, "", "Create 3GPP:1 Create 3GPP:1 " + both},
+        {Fault::IndicationBeforeResponse, 0, done, true, "Create 3GPP:1 ", both},
+        {Fault::TruncateIndication, 0, done, true, "", "bad Modify 3GPP:1 "},
+        {Fault::TruncateIndication, 3, done, true, "", "bad Modify 3GPP:1 "},
+    };
+    for (const auto& [fault, value, answer, isStored, early, all] : cases) {
         SCOPED_TRACE(toString(fault) + ' ' + std::to_string(value));
         Simulator simulator({.delivery = DeliveryMode::Stepped});
         SimClient client;
         simulator.faults().add({.fault = fault, .messageId = kCreate, .value = value});
-        const auto answer = client.create(k3gpp, settingsWithApn("a"));
-        EXPECT_EQ(answer.result, result);
-        EXPECT_EQ(answer.error, error);
+        EXPECT_EQ(client.create(k3gpp, settingsWithApn("a")), answer);
         EXPECT_EQ(simulator.profiles(0, k3gpp).size(), isStored ? 1U : 0U);
         auto seen = client.take();
         EXPECT_EQ(seen, early);

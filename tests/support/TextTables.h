@@ -1,7 +1,7 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
 //
-// Test data as text: tables, parameters, settings of the modem.
+// Test data as text: tables, parameters, settings of the modem; and messages as bytes.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -11,6 +11,7 @@
 #include <map>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -147,6 +148,12 @@ inline std::list<ProfileParams> listOf(const std::string& entries) {
         list.push_back(paramsOf(entry));
     }
     return list;
+}
+
+/** A message as it crosses to the modem, padding included. */
+template <typename Message>
+std::string_view bytesOf(const Message& message) {
+    return {reinterpret_cast<const char*>(&message), sizeof(message)};
 }
 
 }  // namespace vela

@@ -7,7 +7,6 @@
 #include <cstring>
 
 #include "LogCapture.h"
-#include "MessageBytes.h"
 #include "TextTables.h"
 
 namespace vela {

@@ -7,7 +7,6 @@
 #include <cstring>
 
 #include "LogCapture.h"
-#include "MessageBytes.h"
 #include "Modem3gpp2Profile.h"
 #include "TextTables.h"
 

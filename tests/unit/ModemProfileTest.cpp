@@ -11,7 +11,6 @@
 
 #include "DeathTests.h"
 #include "LogCapture.h"
-#include "MessageBytes.h"
 #include "Modem3gpp2Profile.h"
 #include "Modem3gppProfile.h"
 #include "TextTables.h"

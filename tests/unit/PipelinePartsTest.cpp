@@ -89,6 +89,15 @@ TEST(RequestLine, ClosingWaitsForPostsUnderWayAndRefusesLaterOnes) {
     EXPECT_EQ(line.post(std::make_shared<CallbackRequest>()), nullptr);
 }
 
+TEST(RequestLine, WhatARequestHeldMayCloseIt) {
+    RequestLine line(
+        [](const auto&) { return std::make_shared<CallbackResponse>(Status::Success); });
+    std::shared_ptr<void> closer(nullptr, [&line](const void*) { line.close(); });
+    auto request = std::make_shared<CallbackRequest>();
+    request->setExpirationInfo([closer = std::move(closer)] {}, {}, 1);
+    EXPECT_NE(line.post(std::move(request)), nullptr);
+}
+
 TEST(WorkerRoleDeathTest, EndsAProcessThatUsesTheCacheOffTheWorker) {
 #ifdef NDEBUG
     GTEST_SKIP() << "checked in builds with assertions only";
