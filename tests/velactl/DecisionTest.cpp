@@ -180,26 +180,20 @@ class Decisions : public testing::Test {
     /** What the record says has changed, or, where tables are not seen, what it says was written,
      * is what has changed. */
     void checkChanges(const Json& steps, const Json& changes, const Places& expected) {
-        if (!device) {
-            EXPECT_EQ(placesOf(changes), expected);
-            return;
-        }
+        Places written = placesOf(changes);
         bool isCertain = true;
-        Places written;
-        for (const Json& step : steps) {
+        for (const Json& step : device ? steps : Json()) {
             isCertain = isCertain && step["kind"] != "service" && step["kind"] != "indication";
             for (const Json& message : step.value("messages", Json::array())) {
-                isCertain =
-                    isCertain && message["outcome"] != "timed_out" && message["outcome"] != "lost";
-                if (message["outcome"] == "answered") {
-                    written.merge(placesOf(Json::array({message})));
-                }
+                const Json& outcome = message["outcome"];
+                isCertain = isCertain && outcome != "timed_out" && outcome != "lost";
+                written.merge(outcome == "answered" ? placesOf(Json::array({message})) : Places());
             }
         }
-        if (isCertain) {
-            EXPECT_TRUE(
-                std::includes(written.begin(), written.end(), expected.begin(), expected.end()))
-                << textOf(steps);
+        if (!device) {
+            EXPECT_EQ(written, expected);
+        } else if (isCertain) {
+            EXPECT_THAT(expected, testing::IsSubsetOf(written)) << textOf(steps);
         }
     }
 
@@ -282,17 +276,19 @@ TEST_F(Decisions, EveryMessageWithinEveryPolicyMayFail) {
     struct Message {
         std::uint32_t id;
         const char* apn;
-        /** Makes the library send it, if the policies do not. */
-        void (*provoke)(velasim::Simulator& modem);
-        bool mayUpdate = false;
+        /** Makes the library send what no policy does. */
+        void (*provoke)(velasim::Simulator& modem) = nullptr;
     };
-    const auto nothing = [](velasim::Simulator& /*modem*/) {};
     const auto announce = [](velasim::Simulator& modem) { modem.profileReady(0); };
     const auto restart = [](velasim::Simulator& modem) { modem.restart(); };
-    const std::vector<Message> messages{
-        {0x27, "new", nothing, true}, {0x28, "found", nothing, true}, {0x29, "new", nothing, true},
-        {0x2A, "found", announce},    {0x2B, "found", announce},      {0xAF, "found", restart},
-        {0x03, "found", restart},     {0xA7, "found", restart}};
+    const Message messages[]{{0x27, "new"},
+                             {0x28, "found"},
+                             {0x29, "new"},
+                             {0x2A, "found", announce},
+                             {0x2B, "found", announce},
+                             {0xAF, "found", restart},
+                             {0x03, "found", restart},
+                             {0xA7, "found", restart}};
     const std::pair<Fault, const char*> faults[]{{Fault::Refuse, "refused"},
                                                  {Fault::Timeout, "timed_out"},
                                                  {Fault::TimeoutAfterEffect, "timed_out"},
@@ -300,34 +296,40 @@ TEST_F(Decisions, EveryMessageWithinEveryPolicyMayFail) {
                                                  {Fault::RestartBeforeEffect, "lost"},
                                                  {Fault::RestartAfterEffect, "lost"}};
     std::map<std::uint32_t, int> struck;
-    for (const PolicyRun run : kRuns) {
-        for (const Message& message : messages) {
-            for (const auto& [fault, outcome] : faults) {
-                begin();
-                store("found");
-                store("found", "other", 3);
-                policies.setProfileUpdateAllowed(message.mayUpdate);
-                const auto rule =
-                    simulator().faults().add({.fault = fault, .messageId = message.id});
-                const Json document = record([&] {
-                    message.provoke(simulator());
-                    settle();
-                    return run(policies, asking(message.apn, "me"));
-                });
-                if (simulator().faults().strikes(rule) != 0) {
-                    ++struck[message.id];
-                    EXPECT_EQ(document["done"], false) << document;
-                    EXPECT_THAT(document["failures"], Not(testing::IsEmpty()));
-                    EXPECT_THAT(document.dump(),
-                                HasSubstr(std::string("\"outcome\":\"") + outcome));
-                    for (const Json& failure : document["failures"]) {
-                        EXPECT_THAT(text, HasSubstr(failure.get<std::string>()));
-                    }
+    const auto tryOne = [&](PolicyRun run, const Message& message, const auto& fault) {
+        begin();
+        store("found");
+        store("found", "other", 3);
+        policies.setProfileUpdateAllowed(message.provoke == nullptr);
+        const auto rule = simulator().faults().add({.fault = fault.first, .messageId = message.id});
+        const Json document = record([&] {
+            if (message.provoke != nullptr) {
+                message.provoke(simulator());
+            }
+            settle();
+            return run(policies, asking(message.apn, "me"));
+        });
+        if (simulator().faults().strikes(rule) != 0) {
+            ++struck[message.id];
+            EXPECT_EQ(document["done"], false) << document;
+            EXPECT_THAT(document["failures"], Not(testing::IsEmpty()));
+            EXPECT_THAT(document.dump(), HasSubstr("\"outcome\":\"" + std::string(fault.second)));
+            for (const Json& failure : document["failures"]) {
+                EXPECT_THAT(text, HasSubstr(failure.get<std::string>()));
+            }
+        }
+    };
+    std::size_t turn = 0;
+    for (const Message& message : messages) {
+        for (const auto& fault : faults) {
+            ++turn;
+            for (std::size_t run = 0; run < kRuns.size(); ++run) {
+                // With what is sent before they begin, the policies take turns.
+                if (message.provoke == nullptr || run == turn % kRuns.size()) {
+                    tryOne(kRuns[run], message, fault);
                 }
             }
         }
-    }
-    for (const Message& message : messages) {
         EXPECT_GE(struck[message.id], 6) << message.id;
     }
 }

@@ -55,7 +55,7 @@ TEST(Fields, EachIsReadToldAndComparedByItsRow) {
     std::size_t criteria = 2;  // technology and index
     for (const ProfileField& field : profileFields()) {
         criteria += field.criteria.size();
-        EXPECT_EQ(fieldNamed(field.option()), &field);
+        EXPECT_EQ(fieldNamed(field.key), &field);
         EXPECT_TRUE(isSame(field, one, one));
         EXPECT_FALSE(isSame(field, one, two)) << field.key;
         EXPECT_EQ(toJson(one, true)[field.key], field.of(one)) << field.key;

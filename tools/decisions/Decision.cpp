@@ -5,8 +5,6 @@
 #include <utility>
 
 #include "decisions/Facts.h"
-#include "decisions/Story.h"
-#include "profiles/Words.h"
 
 namespace velactl {
 
@@ -15,10 +13,9 @@ namespace {
 constexpr int kVersion = 1;
 
 void setPlaceOf(Json& step, const vela::IProfileKey* key) {
+    step.update({{"technology", Json()}, {"index", Json()}});
     if (key != nullptr) {
         setPlace(step, key->getTechType(), key->getProfileId());
-    } else {
-        step.update({{"technology", Json()}, {"index", Json()}});
     }
 }
 
@@ -29,14 +26,11 @@ void addRequested(Json& step, const vela::ProfileParams& params, vela::TechType 
     step["not_written"] = fieldsNotKept(step["requested"], tech);
 }
 
-const char* answerOf(const vela::ClientResponse* response) {
-    return response == nullptr                              ? "none"
-           : response->getStatus() == vela::Status::Success ? "success"
-                                                            : "failure";
-}
-
-/** What the response tells but whether it is a success. */
+/** What the response tells. */
 void addAnswer(Json& step, const vela::ClientResponse* response) {
+    step["answer"] = response == nullptr                              ? "none"
+                     : response->getStatus() == vela::Status::Success ? "success"
+                                                                      : "failure";
     if (const auto* add = dynamic_cast<const vela::AddResponse*>(response)) {
         if (const auto key = add->getAddProfileKey()) {
             step["index"] = key->getProfileId();
@@ -222,7 +216,6 @@ void Decision::onResponse(const vela::ClientRequest& request, const vela::Client
         return;
     }
     Json& step = entry.mapped();
-    step["answer"] = answerOf(response);
     addAnswer(step, response);
     if (step.contains("messages")) {
         step["why_unsent"] = whyUnsent(step);
@@ -230,21 +223,17 @@ void Decision::onResponse(const vela::ClientRequest& request, const vela::Client
     if (step.contains("known") && step["known"].empty()) {
         step["known"] = Json();
     }
-    noteFailure(step);
-    // A key that is let go without a consequence.
-    const bool isIdle =
-        step["kind"] == "release" && step["messages"].empty() && step["answer"] == "success";
-    if (!isIdle) {
-        steps.push_back(std::move(step));
-    }
-}
-
-void Decision::noteFailure(const Json& step) {
     const Json why = step.value("why_unsent", Json());
     if (step["kind"] == "search" && step["answer"] != "success") {
         reasons.emplace_back("the library did not search, as it awaits the end of a refresh");
     } else if (why == "settings_unknown" || why == "refused_by_library" || why == "no_answer") {
         reasons.push_back(titleOf(step) + ": nothing is sent: " + wordsOf(why));
+    }
+    // A key that is let go without a consequence.
+    const bool isIdle =
+        step["kind"] == "release" && step["messages"].empty() && step["answer"] == "success";
+    if (!isIdle) {
+        steps.push_back(std::move(step));
     }
 }
 
@@ -259,9 +248,8 @@ void Decision::onMessage(const vela::ModemMessage& message) {
     }
     const auto served = open.find(message.request);
     if (served == open.end()) {
-        Json step{{"kind", "message"}};
-        step.update(told);
-        steps.push_back(std::move(step));
+        steps.push_back({{"kind", "message"}});
+        steps.back().update(told);
         return;
     }
     Json& step = served->second;

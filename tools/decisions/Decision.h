@@ -7,10 +7,15 @@
 #include <string>
 #include <vector>
 
-#include "decisions/Story.h"
 #include "modem/Workbench.h"
 
 namespace velactl {
+
+/** A decision's document, told for people. */
+Names storyOf(const Json& document);
+
+/** A name of the document's own in words: "not_sent" as "not sent". */
+std::string wordsOf(const Json& name);
 
 /**
  * The record of one run of a policy: what was asked and answered, every candidate, what was sent
@@ -64,7 +69,6 @@ class Decision : private vela::Observer {
     Json knownOf(const Json& place) const;
     Json changesSince();
     void noteOthersChanges();
-    void noteFailure(const Json& step);
     void passOver(const char* kind);
 
     Workbench& bench;

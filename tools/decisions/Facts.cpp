@@ -6,8 +6,6 @@
 #include <string>
 #include <utility>
 
-#include "profiles/Words.h"
-
 namespace velactl {
 
 namespace {

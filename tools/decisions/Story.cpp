@@ -1,9 +1,11 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
-#include "decisions/Story.h"
+#include "decisions/Decision.h"
 
 #include <algorithm>
 #include <utility>
+
+#include "profiles/Text.h"
 
 namespace velactl {
 
@@ -267,6 +269,10 @@ void tellResult(Lines& to, const Json& document) {
 }
 
 }  // namespace
+
+std::string wordsOf(const Json& name) {
+    return replaced(name.get<std::string>(), '_', ' ');
+}
 
 Names storyOf(const Json& document) {
     Lines story;

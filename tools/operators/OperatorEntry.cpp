@@ -1,6 +1,6 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
-#include "operators/OperatorEntry.h"
+#include "operators/OperatorFile.h"
 
 #include <algorithm>
 #include <charconv>
@@ -53,21 +53,6 @@ class Reader {
         readClass();
         readLimits();
         readFlags();
-    }
-
-    void readOperator() {
-        const std::string_view mcc = trim(text("mcc"));
-        const std::string_view mnc = trim(text("mnc"));
-        if (!isCode(mcc, 3)) {
-            refuse(cite("mcc") + " is not 3 digits: no operator");
-        } else if (!isCode(mnc, 2)) {
-            refuse(cite("mnc") + " is not 2 or 3 digits: no operator");
-        } else {
-            entry.mcc = mcc;
-            entry.mnc = mnc;
-        }
-        entry.carrier = text("carrier");
-        readMvno();
     }
 
   private:
@@ -125,7 +110,18 @@ class Reader {
         }
     }
 
-    void readMvno() {
+    void readOperator() {
+        const std::string_view mcc = trim(text("mcc"));
+        const std::string_view mnc = trim(text("mnc"));
+        if (!isCode(mcc, 3)) {
+            refuse(cite("mcc") + " is not 3 digits: no operator");
+        } else if (!isCode(mnc, 2)) {
+            refuse(cite("mnc") + " is not 2 or 3 digits: no operator");
+        } else {
+            entry.mcc = mcc;
+            entry.mnc = mnc;
+        }
+        entry.carrier = text("carrier");
         const std::string_view type = trim(text("mvno_type"));
         const std::string_view data = trim(text("mvno_match_data"));
         if (type.empty()) {
@@ -262,12 +258,6 @@ Json OperatorEntry::wanted(bool hasTypes, bool hasClass) const {
 std::string entryTitle(std::size_t line, const std::string& apnName, const std::string& carrier) {
     return "line " + std::to_string(line) + ' ' + inQuotes(apnName) + " (" + printable(carrier) +
            ')';
-}
-
-OperatorEntry OperatorEntry::readOperator(const Attributes& attributes) {
-    OperatorEntry entry;
-    Reader(attributes, entry).readOperator();
-    return entry;
 }
 
 OperatorEntry OperatorEntry::read(const Attributes& attributes, std::size_t line) {

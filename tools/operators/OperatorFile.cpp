@@ -36,12 +36,12 @@ class Some {
     }
 
   private:
-    std::vector<std::string> first;
+    Names first;
     std::string last;
     std::size_t total = 0;
 };
 
-using Row = std::vector<std::string>;
+using Row = Names;
 
 // Entries of no operator have no codes. Attributes are JSON.
 constexpr const char* kSetUp[] = {
@@ -67,26 +67,29 @@ class OperatorFile::Database {
         const int code = sqlite3_open("", &opened);
         connection.reset(opened, sqlite3_close);
         check(code == SQLITE_OK);
-        std::for_each(std::begin(kSetUp), std::end(kSetUp), [this](auto sql) { run(sql, {}); });
+        for (const char* sql : kSetUp) {
+            run(sql, {});
+        }
     }
 
-    /** Runs a statement, with values for its parameters, and hands out the rows. The same statement
-     * cannot be run meanwhile. */
-    void run(const std::string& sql, const std::vector<std::string>& values,
+    /** Runs a statement, with values for its parameters, and hands out the rows. */
+    void run(const std::string& sql, const Row& values,
              const std::function<void(const Row&)>& visit = {}) {
-        sqlite3_stmt* const statement = prepare(sql);
-        const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> atEnd(statement, sqlite3_reset);
+        sqlite3_stmt* made = nullptr;
+        check(sqlite3_prepare_v2(connection.get(), sql.c_str(), -1, &made, nullptr) == SQLITE_OK);
+        const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> statement(made,
+                                                                              sqlite3_finalize);
         for (std::size_t i = 0; i < values.size(); ++i) {
-            check(sqlite3_bind_text(statement, static_cast<int>(i) + 1, values[i].data(),
+            check(sqlite3_bind_text(made, static_cast<int>(i) + 1, values[i].data(),
                                     static_cast<int>(values[i].size()),
                                     SQLITE_STATIC) == SQLITE_OK);
         }
         int code = SQLITE_OK;
-        while ((code = sqlite3_step(statement)) == SQLITE_ROW) {
+        while ((code = sqlite3_step(made)) == SQLITE_ROW) {
             Row row;
-            for (int column = 0; column < sqlite3_column_count(statement); ++column) {
-                const void* const text = sqlite3_column_text(statement, column);
-                const auto size = sqlite3_column_bytes(statement, column);
+            for (int column = 0; column < sqlite3_column_count(made); ++column) {
+                const void* const text = sqlite3_column_text(made, column);
+                const auto size = sqlite3_column_bytes(made, column);
                 row.emplace_back(static_cast<const char*>(text), static_cast<std::size_t>(size));
             }
             if (visit) {
@@ -113,17 +116,6 @@ class OperatorFile::Database {
     }
 
   private:
-    sqlite3_stmt* prepare(const std::string& sql) {
-        auto& kept = statements[sql];
-        if (!kept) {
-            sqlite3_stmt* made = nullptr;
-            const int code = sqlite3_prepare_v2(connection.get(), sql.c_str(), -1, &made, nullptr);
-            kept.reset(made, sqlite3_finalize);
-            check(code == SQLITE_OK);
-        }
-        return kept.get();
-    }
-
     void check(bool isDone) const {
         if (!isDone) {
             throw refused(std::string("no temporary file: ") + sqlite3_errmsg(connection.get()) +
@@ -132,7 +124,6 @@ class OperatorFile::Database {
     }
 
     std::shared_ptr<sqlite3> connection;
-    std::map<std::string, std::shared_ptr<sqlite3_stmt>> statements;
 };
 
 Plmn Plmn::parse(std::string_view text) {
@@ -180,7 +171,8 @@ std::string Operator::refusals() const {
 OperatorFile::OperatorFile(const std::string& name,
                            const std::function<void(const XmlFeed&)>& readInto)
     : fileName(name), database(std::make_shared<Database>()) {
-    std::vector<std::pair<std::string, Some>> ignored;  // in the order of their first lines
+    std::map<std::string, Some> ignored;
+    Names kinds;  // of what is ignored, in the order of their first lines
     const XmlFeed feed = readXml(name, [&](const XmlItem& item) {
         const bool isText = item.name.empty();
         if (item.depth == 0 && item.name != "apns") {
@@ -188,7 +180,7 @@ OperatorFile::OperatorFile(const std::string& name,
                           ">; an operator file has <apns>");
         }
         if (item.depth == 1 && item.name == "apn") {
-            const OperatorEntry entry = OperatorEntry::readOperator(item.attributes);
+            const OperatorEntry entry = OperatorEntry::read(item.attributes, item.line);
             database->run("INSERT INTO entry VALUES (?1, ?2, ?3, ?4, ?5, ?6)",
                           {entry.mcc, entry.mnc, entry.mcc.empty() ? "" : entry.mvno,
                            std::to_string(item.line), entry.carrier, Json(item.attributes).dump()});
@@ -196,18 +188,17 @@ OperatorFile::OperatorFile(const std::string& name,
             const std::string kind = isText ? "text between the elements"
                                             : "element <" + printable(item.name) + '>' +
                                                   (item.depth > 1 ? " inside another" : "");
-            auto known = std::find_if(ignored.begin(), ignored.end(),
-                                      [&](const auto& each) { return each.first == kind; });
-            if (known == ignored.end()) {
-                known = ignored.insert(known, {kind, {}});
+            if (ignored.count(kind) == 0) {
+                kinds.push_back(kind);
             }
-            known->second.add(std::to_string(item.line));
+            ignored[kind].add(std::to_string(item.line));
         }
     });
     readInto(feed);
     feed({});
     database->run("CREATE INDEX by_operator ON entry (mcc, mnc, mvno)", {});
-    for (const auto& [kind, lines] : ignored) {
+    for (const std::string& kind : kinds) {
+        const Some& lines = ignored[kind];
         odd.push_back((lines.isOne() ? "line " : "lines ") + lines.text() + ": " + kind +
                       " left out");
     }

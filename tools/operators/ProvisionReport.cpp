@@ -1,6 +1,6 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
-#include "operators/ProvisionReport.h"
+#include "operators/Provisioner.h"
 
 #include <algorithm>
 #include <iterator>
@@ -63,20 +63,14 @@ std::string words(const Json& value) {
                               : valueText(value);
 }
 
-bool isBlank(const Json& value) {
-    return value.is_string() ? value.get_ref<const std::string&>().empty() : value.empty();
-}
-
 std::string told(const Json& object, const Phrases& phrases) {
     std::string text;
     for (const Phrase& phrase : phrases) {
         const Json& value = object[phrase.key];
         if (value.is_boolean()) {
             text += value == true ? phrase.text : phrase.ifOff;
-        } else if (!isBlank(value)) {
-            const std::string part = phrase.text;
-            const std::size_t place = part.find('%');
-            text += part.substr(0, place) + words(value) + part.substr(place + 1);
+        } else if (const std::string told = words(value); !told.empty()) {
+            text += std::string(phrase.text).replace(std::string(phrase.text).find('%'), 1, told);
         }
     }
     return text;
@@ -159,19 +153,6 @@ Names odditiesOf(const Json& document, bool isExplained) {
     return lines;
 }
 
-/** What is wrong with a second run: it changed something, or tried more than to fill a full table.
- */
-Names secondRun(Workbench& bench, const Operator& candidate) {
-    const Provisioned again = provisionModem(bench, candidate);
-    const Json& document = again.document;
-    const auto changes = changesBetween(again.before, again.after, true);
-    if (changes.empty() && document["requests"] == document["refusals"].size()) {
-        return {};
-    }
-    return {"the second run sent " + counted(document["requests"], "request") + " and changed " +
-            counted(changes.size(), "profile")};
-}
-
 /** On a fresh modem; `wrong` are things that must not be. */
 Json provisionFresh(const Operator& candidate, const SurveyOptions& options) {
     Workbench bench(options.modem);
@@ -179,9 +160,19 @@ Json provisionFresh(const Operator& candidate, const SurveyOptions& options) {
         throw badUsage("provision --all uses fresh modems; this one keeps what it holds");
     }
     Json document = provisionModem(bench, candidate).document;
-    document["wrong"] = options.isTwice ? secondRun(bench, candidate) : Names();
+    Json& wrong = document["wrong"] = Json::array();
+    if (options.isTwice) {
+        const Provisioned again = provisionModem(bench, candidate);
+        const Json& requests = again.document["requests"];
+        const auto changes = changesBetween(again.before, again.after, true);
+        // More may be tried in vain: to fill a full table.
+        if (!changes.empty() || requests != again.document["refusals"].size()) {
+            wrong.push_back("the second run sent " + counted(requests, "request") +
+                            " and changed " + counted(changes.size(), "profile"));
+        }
+    }
     for (const std::string& line : bench.disagreements()) {
-        document["wrong"].push_back("library and modem disagree: " + line);
+        wrong.push_back("library and modem disagree: " + line);
     }
     return document;
 }
@@ -202,6 +193,7 @@ void count(Json& totals, const Operator& candidate, const Json& document) {
     add(totals, "wrong", document["wrong"].size());
 }
 
+/** The entries of no operator; how many there are. */
 std::size_t tellStrays(Output& output, const OperatorFile& file) {
     std::size_t strays = 0;
     file.forEachStray([&](const OperatorEntry& stray) {

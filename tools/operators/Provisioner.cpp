@@ -8,15 +8,10 @@
 #include <iterator>
 #include <list>
 #include <map>
-#include <memory>
 #include <set>
-#include <string>
 #include <utility>
-#include <vector>
 
-#include "profiles/ProfileRecord.h"
 #include "profiles/Text.h"
-#include "profiles/Words.h"
 
 namespace velactl {
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "profiles/Output.h"
 
+#include <iterator>
 #include <numeric>
 #include <regex>
 #include <utility>
@@ -11,8 +12,6 @@
 namespace velactl {
 
 namespace {
-
-constexpr std::size_t kGap = 2;
 
 /** The end of what does not fit is no more than hinted at. */
 std::string cut(const std::string& line, std::size_t width) {
@@ -38,51 +37,42 @@ std::string textOf(const Json& value, int indent) {
 
 }  // namespace
 
-Table::Table(Names headings, std::vector<int> ranks, Names keys)
-    : ranks(std::move(ranks)), keys(std::move(keys)), rows{std::move(headings)} {
-    this->ranks.resize(rows.front().size());
-}
-
-/** With the gap behind each; 0: an empty one. */
-std::vector<std::size_t> Table::widths() const {
-    std::vector<std::size_t> result(rows.front().size(), 0);
-    for (std::size_t column = 0; column < result.size(); ++column) {
-        std::size_t widest = 0;
-        for (std::size_t row = 1; row < rows.size(); ++row) {
-            widest = std::max(widest, displayWidth(rows[row][column]));
-        }
-        result[column] =
-            widest == 0 ? 0 : std::max(widest, displayWidth(rows.front()[column])) + kGap;
+void Table::add(const std::string& heading, Names cells, int rank, const std::string& key) {
+    std::size_t widest = 0;
+    for (const std::string& cell : cells) {
+        widest = std::max(widest, displayWidth(cell));
     }
-    return result;
-}
-
-/** Empties columns until the rest fits; the keys of those. */
-Names Table::fit(std::vector<std::size_t>& columns, std::size_t width) const {
-    Names left;
-    for (int rank = *std::max_element(ranks.begin(), ranks.end()); rank > 0; --rank) {
-        for (std::size_t column = columns.size(); column-- > 0;) {
-            const auto total = std::accumulate(columns.begin(), columns.end(), std::size_t{0});
-            if (columns[column] != 0 && ranks[column] == rank && total > width + kGap) {
-                columns[column] = 0;
-                left.push_back(keys[column]);
-            }
-        }
+    if (widest != 0) {
+        cells.insert(cells.begin(), heading);
+        columns.push_back({std::move(cells), std::max(widest, displayWidth(heading)), rank, key});
     }
-    return left;
 }
 
 void Table::print(std::ostream& out, std::size_t indent, std::size_t width) const {
-    std::vector<std::size_t> columns = widths();
+    constexpr std::size_t kGap = 2;
+    std::vector<Column> shown = columns;
+    Names left;
+    const auto total = [&] {
+        return std::accumulate(shown.begin(), shown.end(), indent,
+                               [](auto sum, const auto& each) { return sum + each.width + kGap; });
+    };
+    while (width != 0 && !shown.empty() && total() > width + kGap) {
+        const auto least =  // the last of the highest rank
+            std::max_element(shown.rbegin(), shown.rend(), [](const auto& one, const auto& other) {
+                return one.rank < other.rank;
+            });
+        if (least->rank == 0) {
+            break;
+        }
+        left.push_back(least->key);
+        shown.erase(std::next(least).base());
+    }
     const std::string margin(indent, ' ');
-    const Names left = width == 0 ? Names() : fit(columns, width - indent);
-    for (const Names& row : rows) {
+    for (std::size_t row = 0; !shown.empty() && row < shown.front().cells.size(); ++row) {
         std::string line = margin;
-        for (std::size_t column = 0; column < columns.size(); ++column) {
-            if (columns[column] != 0) {
-                line += row[column];
-                line.append(columns[column] - displayWidth(row[column]), ' ');
-            }
+        for (const Column& column : shown) {
+            line += column.cells[row];
+            line.append(column.width + kGap - displayWidth(column.cells[row]), ' ');
         }
         line.erase(line.find_last_not_of(' ') + 1);
         out << cut(line, width) << '\n';
@@ -110,23 +100,17 @@ std::vector<ProfileField> readColumns(std::string_view option, std::string_view 
 
 Table profileTable(const ProfileRecords& records, bool showSecrets,
                    const std::vector<ProfileField>& chosen) {
-    const std::vector<ProfileField>& columns = chosen.empty() ? allColumns() : chosen;
-    Names headings;
-    Names keys;
-    std::vector<int> ranks;
-    for (const ProfileField& column : columns) {
-        headings.emplace_back(column.heading);
-        keys.emplace_back(column.key);
-        ranks.push_back(column.rank);
-    }
-    Table table(std::move(headings), std::move(ranks), std::move(keys));
+    std::vector<Json> rows;
     for (const ProfileRecord& record : records) {
-        const Json shown = shownFields(toJson(record, showSecrets));
+        rows.push_back(shownFields(toJson(record, showSecrets)));
+    }
+    Table table;
+    for (const ProfileField& column : chosen.empty() ? allColumns() : chosen) {
         Names cells;
-        for (const ProfileField& column : columns) {
-            cells.push_back(valueText(column, column.of(shown)));
+        for (const Json& row : rows) {
+            cells.push_back(valueText(column, column.of(row)));
         }
-        table.add(std::move(cells));
+        table.add(column.heading, std::move(cells), column.rank, column.key);
     }
     return table;
 }

@@ -12,27 +12,26 @@
 
 namespace velactl {
 
-/** Rows of text in aligned columns. Columns in which every cell is empty are left out. */
+/** Columns of text. */
 class Table {
   public:
-    /** Of columns that do not fit those of the highest rank are left out first, and named by their
-     * keys; without a rank, or of rank 0, they stay. */
-    explicit Table(Names headings, std::vector<int> ranks = {}, Names keys = {});
-
-    /** As many cells as there are headings. */
-    void add(Names cells) { rows.push_back(std::move(cells)); }
+    /** One more, with as many cells as the others; one in which every cell is empty is left out. Of
+     * columns that do not fit those of the highest rank are left out first, and named by their
+     * keys; those of rank 0 stay. */
+    void add(const std::string& heading, Names cells, int rank = 0, const std::string& key = "");
 
     /** `indent` spaces stand before each line, of which none is wider than `width`; 0: any may. The
      * last lines name what was left out. */
     void print(std::ostream& out, std::size_t indent = 2, std::size_t width = 0) const;
 
   private:
-    std::vector<std::size_t> widths() const;
-    Names fit(std::vector<std::size_t>& columns, std::size_t width) const;
-
-    std::vector<int> ranks;
-    const Names keys;
-    std::vector<Names> rows;
+    struct Column {
+        Names cells;  // the heading first
+        std::size_t width;
+        int rank;
+        std::string key;
+    };
+    std::vector<Column> columns;
 };
 
 /** The columns named in a comma list, as --columns takes it: fields by key or option, "technology",
@@ -55,7 +54,7 @@ struct OutputOptions {
 
 /**
  * Where a verb's answer goes: text as it comes, or, with --json, one document at the end. A verb
- * tells both; what is not asked for is dropped. Passwords are masked here and nowhere else.
+ * tells both; what is not asked for is dropped. Documents come with passwords masked().
  */
 class Output {
   public:

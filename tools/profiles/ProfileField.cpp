@@ -22,18 +22,18 @@ Json shown(const std::string& word) {
 }  // namespace
 
 Json ProfileField::read(std::string_view option, const std::string& text) const {
-    const auto most = static_cast<std::size_t>(limit);
+    const bool isTooLong = kind == Kind::Text && text.size() > static_cast<std::size_t>(limit);
+    const std::string wrong = kind == Kind::Number ? wrongNumber(text, 0, limit)
+                              : isTooLong          ? std::to_string(text.size()) +
+                                                " bytes; a profile holds " + std::to_string(limit)
+                                          : "";
+    if (!wrong.empty()) {
+        throw badUsage(std::string(option) + ": " + wrong);
+    }
     switch (kind) {
         case Kind::Text:
-            if (text.size() > most) {
-                throw badUsage(std::string(option) + ": " + std::to_string(text.size()) +
-                               " bytes; a profile holds " + std::to_string(limit));
-            }
             return text;
         case Kind::Number:
-            if (const std::string wrong = wrongNumber(text, 0, limit); !wrong.empty()) {
-                throw badUsage(std::string(option) + ": " + wrong);
-            }
             return std::stoi(text);
         case Kind::Switch:
             return readOneOf(option, text, words) == 0;
@@ -42,17 +42,13 @@ Json ProfileField::read(std::string_view option, const std::string& text) const 
         case Kind::WordList:
             break;
     }
-    return readList(option, text);
-}
-
-Json ProfileField::readList(std::string_view option, const std::string& text) const {
-    Json list = Json::array();
+    std::uint64_t mask = 0;
     if (!sameLetters(text, "none")) {
         for (const std::string& name : split(text.empty() ? " " : text, ',')) {
-            list.push_back(words[readOneOf(option, name, words)]);
+            mask |= numbers[readOneOf(option, name, words)];
         }
     }
-    return fromRaw(toRaw(list, numbers), numbers);  // in order
+    return fromRaw(mask, numbers);
 }
 
 Json ProfileField::fromRaw(const Json& raw, const Numbers& codes) const {
@@ -121,12 +117,10 @@ std::string ProfileField::valuesText() const {
     return join(words, ",") + "; or none";
 }
 
-const ProfileField* fieldNamed(std::string_view name) {
-    const std::string key(name.substr(name.rfind("--", 0) == 0 ? 2 : 0));
+const ProfileField* fieldNamed(std::string_view key) {
     const auto& fields = profileFields();
-    const auto found = std::find_if(fields.begin(), fields.end(), [&](const ProfileField& field) {
-        return sameLetters(field.key, replaced(key, '-', '_'));
-    });
+    const auto found = std::find_if(fields.begin(), fields.end(),
+                                    [key](const ProfileField& field) { return field.key == key; });
     return found == fields.end() ? nullptr : &*found;
 }
 

@@ -97,16 +97,13 @@ struct ProfileField {
     std::string offOption() const;
     /** What the option takes, as "IPv4, IPv6 or IPv4v6". */
     std::string valuesText() const;
-
-  private:
-    Json readList(std::string_view option, const std::string& text) const;
 };
 
 /** All fields, in the order of printing. */
 const std::vector<ProfileField>& profileFields();
 
-/** By key or option, '-' being '_'; null when there is none. */
-const ProfileField* fieldNamed(std::string_view name);
+/** Null when there is none of that key. */
+const ProfileField* fieldNamed(std::string_view key);
 
 /** The key of the field that a filter compares; "technology" or "index" for what is none. */
 std::string criterionName(vela::FilterCriterion criterion);

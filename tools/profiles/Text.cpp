@@ -45,21 +45,16 @@ Letter firstOf(std::string_view text) {
     constexpr char32_t kSmallest[]{0, 0, 0x80, 0x800, 0x10000};
     const auto lead = static_cast<unsigned char>(text.front());
     const std::size_t size = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
-    const Letter none{text.substr(0, 1)};
-    if ((lead >= 0x80 && lead < 0xC2) || lead > 0xF4 || text.size() < size) {
-        return none;
-    }
+    bool isLegal = (lead & 0xC0U) != 0x80U && lead < 0xF5 && text.size() >= size;
     char32_t value = size == 1 ? lead : lead & (0x7FU >> size);
-    for (std::size_t i = 1; i < size; ++i) {
+    for (std::size_t i = 1; isLegal && i < size; ++i) {
         const auto byte = static_cast<unsigned char>(text[i]);
-        if ((byte & 0xC0U) != 0x80U) {
-            return none;
-        }
+        isLegal = (byte & 0xC0U) == 0x80U;
         value = (value << 6U) | (byte & 0x3FU);
     }
     const bool isSurrogate = value >= 0xD800 && value <= 0xDFFF;
-    const bool isLegal = value >= kSmallest[size] && value <= 0x10FFFF && !isSurrogate;
-    return isLegal ? Letter{text.substr(0, size), true, value} : none;
+    isLegal = isLegal && value >= kSmallest[size] && value <= 0x10FFFF && !isSurrogate;
+    return isLegal ? Letter{text.substr(0, size), true, value} : Letter{text.substr(0, 1)};
 }
 
 std::vector<Letter> lettersOf(std::string_view text) {
@@ -69,10 +64,6 @@ std::vector<Letter> lettersOf(std::string_view text) {
         text.remove_prefix(letters.back().bytes.size());
     }
     return letters;
-}
-
-char lower(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter | 0x20) : letter;
 }
 
 }  // namespace
@@ -149,22 +140,20 @@ std::string hex(std::string_view bytes) {
 
 std::string toLower(std::string_view text) {
     std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(), lower);
+    for (char& letter : result) {
+        letter = letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter | 0x20) : letter;
+    }
     return result;
 }
 
 bool sameLetters(std::string_view left, std::string_view right) {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](char a, char b) { return lower(a) == lower(b); });
+    return toLower(left) == toLower(right);
 }
 
 std::string_view trim(std::string_view text) {
     constexpr std::string_view kBlank = " \t\r\n";
-    const std::size_t first = text.find_first_not_of(kBlank);
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(kBlank) - first + 1);
+    text.remove_prefix(std::min(text.find_first_not_of(kBlank), text.size()));
+    return text.substr(0, text.find_last_not_of(kBlank) + 1);
 }
 
 std::vector<std::string> split(std::string_view text, char separator) {
@@ -199,15 +188,9 @@ std::string replaced(std::string text, char from, char by) {
 }
 
 std::string counted(std::size_t number, std::string_view noun) {
-    std::string text = std::to_string(number) + ' ' + std::string(noun);
-    if (number == 1) {
-        return text;
-    }
-    if (text.back() == 'y') {
-        text.pop_back();
-        return text + "ies";
-    }
-    return text + 's';
+    const std::string one = std::to_string(number) + ' ' + std::string(noun);
+    const std::size_t stem = one.size() - 1;
+    return number == 1 ? one : one[stem] == 'y' ? one.substr(0, stem) + "ies" : one + 's';
 }
 
 void readBlocks(const std::string& path, const std::string& what,

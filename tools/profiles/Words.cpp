@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "profiles/Words.h"
 
+#include <algorithm>
 #include <charconv>
 #include <sstream>
 #include <type_traits>
@@ -11,83 +12,32 @@
 
 namespace velactl {
 
-namespace {
-
-using vela::ApnTypes;
-using vela::AuthType;
-using vela::IPType;
-using vela::TechType;
-
-// A type without a name here does not compile.
-constexpr const char* textOf(ApnTypes value) {
-    // clang-format off
-    switch (value) {
-        case ApnTypes::DEFAULT: return "default";
-        case ApnTypes::MMS: return "mms";
-        case ApnTypes::SUPL: return "supl";
-        case ApnTypes::DUN: return "dun";
-        case ApnTypes::HIPRI: return "hipri";
-        case ApnTypes::FOTA: return "fota";
-        case ApnTypes::IMS: return "ims";
-        case ApnTypes::CBS: return "cbs";
-        case ApnTypes::IA: return "ia";
-        case ApnTypes::EMERGENCY: return "emergency";
-        case ApnTypes::MCX: return "mcx";
-        case ApnTypes::XCAP: return "xcap";
-    }
-    // clang-format on
-    return "";
-}
-
-/** The library's own name; what has none is a number there. */
-template <typename Value>
-std::string textOf(Value value) {
-    std::ostringstream out;
-    out << value;
-    const bool isNumber = out.str().find_first_not_of("0123456789") == std::string::npos;
-    return isNumber ? "" : out.str();
-}
-
-std::string textOf(IPType value) {
-    const std::string name = textOf<IPType>(value);  // "V4V6"
-    return name.empty() || value == IPType::UNKNOWN ? "" : "IP" + toLower(name);
-}
-
-std::string textOf(AuthType value) {
-    return value == AuthType::NONE ? "none" : textOf<AuthType>(value);
-}
-
-}  // namespace
-
 template <typename Value>
 const Words& wordsOf() {
-    static const Words kWords = [] {
-        Words words;
-        for (std::uint64_t i = 0; i < 32; ++i) {
-            const auto number = std::is_same_v<Value, ApnTypes> ? std::uint64_t{1} << i : i;
-            if (const std::string name = textOf(static_cast<Value>(number)); !name.empty()) {
-                words.names.push_back(name);
-                words.numbers.push_back(number);
-            }
-        }
-        return words;
-    }();
-    return kWords;
+    static const Words kTechnologies{{"3GPP", "3GPP2"}, {0, 1}};
+    static const Words kIPTypes{{"IPv4", "IPv6", "IPv4v6"}, {1, 2, 3}};
+    static const Words kAuthTypes{{"none", "PAP", "CHAP", "PAP_CHAP"}, {0, 1, 2, 3}};
+    static const Words kClasses{{"IMS", "ADMN", "INET", "APP"}, {1, 2, 3, 4}};
+    static const Words kTypes{{"default", "mms", "supl", "dun", "hipri", "fota", "ims", "cbs", "ia",
+                               "emergency", "mcx", "xcap"},
+                              {1, 2, 4, 8, 16, 32, 64, 128, 256, 512, 1024, 2048}};
+    return std::is_same_v<Value, vela::TechType>   ? kTechnologies
+           : std::is_same_v<Value, vela::IPType>   ? kIPTypes
+           : std::is_same_v<Value, vela::AuthType> ? kAuthTypes
+           : std::is_same_v<Value, vela::ApnClass> ? kClasses
+                                                   : kTypes;
 }
 
-template const Words& wordsOf<TechType>();
-template const Words& wordsOf<IPType>();
-template const Words& wordsOf<AuthType>();
+template const Words& wordsOf<vela::TechType>();
+template const Words& wordsOf<vela::IPType>();
+template const Words& wordsOf<vela::AuthType>();
 template const Words& wordsOf<vela::ApnClass>();
-template const Words& wordsOf<ApnTypes>();
+template const Words& wordsOf<vela::ApnTypes>();
 
 Json nameOf(std::uint64_t number, const Words& words) {
-    for (std::size_t i = 0; i < words.names.size(); ++i) {
-        if (words.numbers[i] == number) {
-            return words.names[i];
-        }
-    }
-    return number;
+    const auto found = std::find(words.numbers.begin(), words.numbers.end(), number);
+    const auto place = static_cast<std::size_t>(found - words.numbers.begin());
+    return place < words.names.size() ? Json(words.names[place]) : Json(number);
 }
 
 Json namesOf(std::uint64_t mask, const Words& bits) {
@@ -123,9 +73,9 @@ std::size_t readOneOf(std::string_view option, std::string_view text, const Name
                    alternatives(words));
 }
 
-TechType readTech(std::string_view option, std::string_view text) {
-    const Words& words = wordsOf<TechType>();
-    return static_cast<TechType>(words.numbers[readOneOf(option, text, words.names)]);
+vela::TechType readTech(std::string_view option, std::string_view text) {
+    const Words& words = wordsOf<vela::TechType>();
+    return static_cast<vela::TechType>(words.numbers[readOneOf(option, text, words.names)]);
 }
 
 // The parser of options would take an empty text as 0, and 010 as 8.

@@ -47,13 +47,18 @@ void show(Stage& stage, const Arguments& arguments) {
     }
     Output& output = stage.story();
     output.line(title(*record) + ':');
-    Table table({"FIELD", "VALUE"});
+    Names keys;
+    Names values;
     const Json shown = shownFields(record->fields);
     for (const ProfileField& field : profileFields()) {
         if (shown.contains(field.key)) {
-            table.add({field.key, valueText(field, field.of(shown), output.showSecrets())});
+            keys.emplace_back(field.key);
+            values.push_back(valueText(field, field.of(shown), output.showSecrets()));
         }
     }
+    Table table;
+    table.add("FIELD", std::move(keys));
+    table.add("VALUE", std::move(values));
     output.table(table);
     stage.document().update(toJson(*record, output.showSecrets()));
 }

@@ -4,7 +4,7 @@
 #include <list>
 
 #include "decisions/Decision.h"
-#include "operators/ProvisionReport.h"
+#include "operators/Provisioner.h"
 #include "profiles/Output.h"
 #include "profiles/Text.h"
 #include "profiles/ToolError.h"
