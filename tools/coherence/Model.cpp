@@ -230,8 +230,7 @@ void Model::onUnknownChange(ProfileId id, const Events& events) {
     }
     exceptions.expectForeign(id);
     const auto isExpected = [&](Event event) {
-        return std::find(pending.begin(), pending.end(), Arrival::Change{id, event}) !=
-               pending.end();
+        return std::find(pending.begin(), pending.end(), Change{id, event}) != pending.end();
     };
     if (std::any_of(events.begin(), events.end(), isExpected)) {
         exceptions.add(id, kSwallowed);
@@ -272,19 +271,16 @@ void Model::handle(ModelModem::Signal signal) {
 void Model::handleArrivals() {
     while (!modem.arrivals.empty()) {
         const auto arrival = takeFirst(modem.arrivals);
-        if (arrival.messageId != RLINK_WDS_PROFILE_CHANGED_IND_V01) {
-            continue;
-        }
-        if (!arrival.isDecodable()) {
+        if (arrival.isKnown && !arrival.isDecodable) {
             return;  // the rest waits until something else arrives
         }
-        if (const auto change = arrival.change()) {
-            follow(*change);
+        if (arrival.isKnown && arrival.change) {
+            follow(*arrival.change);
         }
     }
 }
 
-void Model::follow(const Arrival::Change& change) {
+void Model::follow(const Change& change) {
     const auto own = std::find(pending.begin(), pending.end(), change);
     if (own != pending.end()) {
         pending.erase(own);

@@ -121,7 +121,7 @@ class Model {
     void rest();
     void handle(ModelModem::Signal signal);
     void handleArrivals();
-    void follow(const Arrival::Change& change);
+    void follow(const Change& change);
     void reload();
     void onForeignChange(int instance, ProfileId id, const Events& events);
     void onUnknownChange(ProfileId id, const Events& events);
@@ -147,7 +147,7 @@ class Model {
     // The library's kind of map, with the same done to it in the same order: which of several reads
     // fills which of two entries of one profile depends on the order in which it is walked.
     std::unordered_map<std::uint64_t, Cached> cache;
-    std::list<Arrival::Change> pending;
+    std::list<Change> pending;
     std::uint64_t nextToken = 0;
     bool isBlocked = false;
 };

@@ -22,16 +22,6 @@ constexpr std::uint32_t kSubscription[] = {RLINK_WDS_BIND_SUBSCRIPTION_REQ_V01,
                                            RLINK_WDS_INDICATION_REGISTER_REQ_V01,
                                            RLINK_WDS_CONFIGURE_PROFILE_EVENT_LIST_REQ_V01};
 
-std::optional<wds_profile_changed_ind_msg_v01> decode(const Arrival& arrival) {
-    wds_profile_changed_ind_msg_v01 message{};
-    // Decoding needs no particular client.
-    auto* client = reinterpret_cast<rlink_client_type>(1);
-    const int result = rlink_client_message_decode(
-        client, RLINK_MESSAGE_INDICATION, arrival.messageId, arrival.bytes.data(),
-        static_cast<unsigned>(arrival.bytes.size()), &message, sizeof message);
-    return result == RLINK_NO_ERROR ? std::optional(message) : std::nullopt;
-}
-
 bool contains(const std::set<Fault>& faults, std::initializer_list<Fault> any) {
     return std::any_of(any.begin(), any.end(),
                        [&](Fault fault) { return faults.count(fault) != 0; });
@@ -62,27 +52,28 @@ void store(Table& table, ProfileId id, const velasim::Settings& settings) {
     }
 }
 
-std::string Arrival::Change::text() const {
+std::string Change::text() const {
     constexpr const char* kTexts[] = {"Create", "Delete", "Modify", "SubscriptionChange",
                                       "ProfileReady"};
     return id.text() + " " + kTexts[static_cast<int>(event)];
 }
 
-bool Arrival::isDecodable() const {
-    return decode(*this).has_value();
-}
-
-std::optional<Arrival::Change> Arrival::change() const {
-    const auto message = decode(*this);
-    if (!message || message->profile_changed_valid == 0) {
-        return std::nullopt;
-    }
-    const auto& told = message->profile_changed;
-    const auto event = static_cast<std::int64_t>(told.change_event);
-    return Change{{told.profile_type == WDS_PROFILE_TYPE_3GPP2_V01 ? Technology::ThreeGpp2
-                                                                   : Technology::ThreeGpp,
-                   told.profile_index},
+Arrival::Arrival(const JournalEntry& entry)
+    : isKnown(entry.messageId == RLINK_WDS_PROFILE_CHANGED_IND_V01) {
+    wds_profile_changed_ind_msg_v01 message{};
+    // Decoding needs no particular client.
+    auto* client = reinterpret_cast<rlink_client_type>(1);
+    isDecodable =
+        rlink_client_message_decode(client, RLINK_MESSAGE_INDICATION, entry.messageId,
+                                    entry.bytes.data(), static_cast<unsigned>(entry.bytes.size()),
+                                    &message, sizeof message) == RLINK_NO_ERROR;
+    if (isDecodable && message.profile_changed_valid != 0) {
+        const auto& told = message.profile_changed;
+        const bool is3gpp2 = told.profile_type == WDS_PROFILE_TYPE_3GPP2_V01;
+        const auto event = static_cast<std::int64_t>(told.change_event);
+        change = {{is3gpp2 ? Technology::ThreeGpp2 : Technology::ThreeGpp, told.profile_index},
                   event >= 1 && event <= 4 ? static_cast<Event>(event - 1) : Event::ProfileReady};
+    }
 }
 
 void ModelModem::witness(const std::vector<JournalEntry>& entries) {
@@ -127,9 +118,9 @@ void ModelModem::observe(const JournalEntry& entry) {
 }
 
 void ModelModem::observeIndication(const JournalEntry& entry, ProfileId about) {
-    arrivals.push_back({entry.messageId, entry.bytes});
+    arrivals.emplace_back(entry);
     signal(Signal::Arrival);
-    const auto change = arrivals.back().change();
+    const auto& change = arrivals.back().change;
     if (change && change->id != about) {  // it names another profile than the one that changed
         exceptions.onIndicationFault(change->id, Fault::CorruptIndication);
     }
@@ -281,8 +272,8 @@ void ModelModem::serviceDown() {
     subscriptions.clear();
     exceptions.onDisconnect();
     for (const auto& arrival : arrivals) {  // they outlive the connection
-        if (const auto change = arrival.change()) {
-            exceptions.expectForeign(change->id);
+        if (arrival.change) {
+            exceptions.expectForeign(arrival.change->id);
         }
     }
 }

@@ -43,22 +43,22 @@ int freeIndex(const Table& table, velasim::Technology technology, unsigned capac
 /** Makes or changes a profile: writes what `settings` has. */
 void store(Table& table, ProfileId id, const velasim::Settings& settings);
 
+/** What an indication says, or is expected to say. */
+struct Change {
+    ProfileId id;
+    Event event = Event::Create;
+
+    bool operator==(const Change&) const = default;
+    std::string text() const;
+};
+
 /** An indication as it arrives at the library. */
 struct Arrival {
-    std::uint32_t messageId = 0;
-    std::vector<std::uint8_t> bytes;
+    explicit Arrival(const velasim::JournalEntry& entry);
 
-    struct Change {
-        ProfileId id;
-        Event event = Event::Create;
-
-        bool operator==(const Change&) const = default;
-        std::string text() const;
-    };
-
-    bool isDecodable() const;
-    /** Empty when it says nothing. */
-    std::optional<Change> change() const;
+    bool isKnown = false;  // of the message's kind
+    bool isDecodable = false;
+    std::optional<Change> change;  // empty when it says nothing
 };
 
 /**

@@ -8,14 +8,11 @@
 #include <map>
 #include <set>
 
-#include "Races.h"
 #include "Scheduler.h"
 
 namespace schedules::modem {
 
 namespace {
-
-using Handle = std::uintptr_t;
 
 /** A client or a notifier, with one kind of callback each, and errors for clients. */
 struct Endpoint {
@@ -28,8 +25,8 @@ struct Endpoint {
 };
 
 struct State {
-    std::map<Handle, Endpoint> endpoints;
-    Handle lastHandle = 0;
+    std::map<rlink_client_type, Endpoint> endpoints;
+    std::uintptr_t lastHandle = 0;
     std::set<int> profiles;
     int lastIndex = 0;
     std::map<std::pair<std::uint32_t, int>, int> counts;
@@ -42,29 +39,24 @@ State& state() {
     return *instance;
 }
 
-Endpoint* find(rlink_client_type handle) {
-    const auto found = state().endpoints.find(reinterpret_cast<Handle>(handle));
-    return found == state().endpoints.end() ? nullptr : &found->second;
-}
-
 Endpoint& open(rlink_client_type* handle) {
     // A number, never dereferenced. NOLINTNEXTLINE(performance-no-int-to-ptr)
     *handle = reinterpret_cast<rlink_client_type>(++state().lastHandle);
-    return state().endpoints[state().lastHandle];
+    return state().endpoints[*handle];
 }
 
 /** One callback after the other, to each endpoint that is there when its turn comes. */
 template <typename Call>
 void callEach(Call call) {
-    for (Handle handle = 1; handle <= state().lastHandle; ++handle) {
-        const auto found = state().endpoints.find(handle);
-        if (found != state().endpoints.end()) {
-            acquire(&state());
-            ++found->second.callbacks;
-            call(found->second);
-            --found->second.callbacks;
-            release(&state());
-        }
+    auto& endpoints = state().endpoints;
+    for (auto one = endpoints.begin(); one != endpoints.end();) {
+        const auto handle = one->first;
+        acquire(&state());
+        ++one->second.callbacks;
+        call(one->second);
+        --one->second.callbacks;
+        release(&state());
+        one = endpoints.upper_bound(handle);
     }
 }
 
@@ -166,8 +158,9 @@ int rlink_client_notifier_init(rlink_service_object_type, rlink_client_os_params
 
 int rlink_client_register_notify_cb(rlink_client_type notifier, rlink_notify_cb callback,
                                     void* data) {
-    find(notifier)->onNotify = callback;
-    find(notifier)->data = data;
+    auto& endpoint = state().endpoints[notifier];
+    endpoint.onNotify = callback;
+    endpoint.data = data;
     schedules::release(&state());
     return RLINK_NO_ERROR;
 }
@@ -186,15 +179,15 @@ int rlink_client_init(rlink_service_info*, rlink_service_object_type, rlink_ind_
 }
 
 int rlink_client_register_error_cb(rlink_client_type client, rlink_error_cb callback, void*) {
-    find(client)->onError = callback;
+    state().endpoints[client].onError = callback;
     return RLINK_NO_ERROR;
 }
 
 int rlink_client_send_msg_sync(rlink_client_type client, unsigned int message, void* request,
                                unsigned int, void* response, unsigned int, unsigned int) {
     schedules::Scheduler::instance().point("asks the modem", __builtin_return_address(0));
-    const auto* endpoint = find(client);
-    if (endpoint == nullptr || endpoint->isDead) {
+    const auto endpoint = state().endpoints.find(client);
+    if (endpoint == state().endpoints.end() || endpoint->second.isDead) {
         return RLINK_ERROR_CLIENT;
     }
     const wds_response_type_v01 result{carryOut(message, request, response) ? 0U : 1U, 0};
@@ -210,12 +203,12 @@ int rlink_client_message_decode(rlink_client_type, rlink_message_kind, unsigned 
 
 /** Returns when no callback is being made to it. */
 int rlink_client_release(rlink_client_type client) {
-    const auto* endpoint = find(client);
     schedules::Scheduler::instance().point("gives up a handle", __builtin_return_address(0), [=] {
-        return endpoint == nullptr || endpoint->callbacks == 0;
+        const auto endpoint = state().endpoints.find(client);
+        return endpoint == state().endpoints.end() || endpoint->second.callbacks == 0;
     });
     schedules::acquire(&state());
-    state().endpoints.erase(reinterpret_cast<Handle>(client));
+    state().endpoints.erase(client);
     return RLINK_NO_ERROR;
 }
 

@@ -17,7 +17,6 @@
 #include <vector>
 
 #include "LocalLogBuffer.h"
-#include "Races.h"
 #include "Scheduler.h"
 
 namespace {

@@ -3,14 +3,10 @@
 //
 // The functions that a compiler calls from code that it was asked to watch for races, and the end
 // of memory, which is never used twice.
-#include "Races.h"
 
 #include <malloc.h>
 
 #include <algorithm>
-#include <array>
-#include <cstddef>
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <unordered_map>

@@ -53,6 +53,20 @@ struct Execution : coherence::Verdict {
     bool isDone;
 };
 
+// What happened before what, for the thread that runs (Races.cpp). Switching before operations on
+// locks and the like shows all there is to see only if everything else is ordered by them; so the
+// library is compiled to report each access, and one that is not ordered after a conflicting one
+// fails.
+
+/** All that was released to `object` happened before what follows. */
+void acquire(const void* object);
+
+/** What went before happens before who acquires from `object`. */
+void release(const void* object);
+
+/** From now on memory is never used twice, and what was freed is spoilt. */
+void startWatching();
+
 /** Whether a thread that wants to go on could; empty: always. */
 using Condition = std::function<bool()>;
 

@@ -14,7 +14,6 @@
 #include <memory>
 #include <sstream>
 
-#include "Races.h"
 #include "Scheduler.h"
 #include "Scripts.h"
 #include "coherence/Runs.h"
