@@ -3,7 +3,6 @@
 #include "Driver.h"
 
 #include <algorithm>
-#include <iterator>
 #include <thread>
 #include <utility>
 
@@ -33,16 +32,11 @@ std::uint64_t tokenOf(const vela::IProfileKey& key) {
     return std::stoull(line.substr(line.rfind('=') + 1));
 }
 
-/**
- * A key of no profile, by which something is done while the library's worker is at work: the worker
- * asks each key that it is given for its dump.
- */
+/** A key of no profile, by which something is done while the library's worker is at work: that asks
+ * each key that it is given for its dump. */
 class Visitor : public vela::IProfileKey {
   public:
-    /** @param visit is called once, on the worker */
     explicit Visitor(std::function<void()> visit) : visit(std::move(visit)) {}
-
-    bool hasVisited() const { return !visit; }
 
     int getProfileId() const override { return 0; }
     vela::TechType getTechType() const override { return vela::TechType::TECH_3GPP; }
@@ -218,9 +212,14 @@ void Driver::deliverAll() {
 }
 
 void Driver::deliverAtOnce() {
-    const auto visitor = std::make_shared<Visitor>([this] { simulator.deliverAll(); });
-    onSimulator([&](auto& /*modem*/) { manager.getProfile(visitor); });
-    if (!visitor->hasVisited()) {
+    bool hasVisited = false;
+    onSimulator([&](auto& modem) {
+        manager.getProfile(std::make_shared<Visitor>([&] {
+            modem.deliverAll();
+            hasVisited = true;
+        }));
+    });
+    if (!hasVisited) {
         throw Mismatch("the worker did not look at a key");
     }
     checkCache();
@@ -231,9 +230,9 @@ void Driver::deliverAtOnce() {
 /** The next outage heals all but a connection that nobody waits for any more. */
 void Driver::reconnect() {
     if (!model.isSubscribed()) {
-        serviceDown();
+        onBoth<&velasim::Simulator::serviceDown, &Model::serviceDown>();
         deliverAll();
-        serviceUp();
+        onBoth<&velasim::Simulator::serviceUp, &Model::serviceUp>();
         deliverAll();
     }
     if (model.isCutOff()) {
@@ -248,8 +247,8 @@ void Driver::reconnect() {
 /** Without faults, a reload makes the cache the modem's table, whatever happened before. */
 void Driver::heal() {
     clearFaults();
-    serviceUp();
-    releaseDelayed();
+    onBoth<&velasim::Simulator::serviceUp, &Model::serviceUp>();
+    onBoth<&velasim::Simulator::releaseDelayed, &Model::releaseDelayed>();
     deliverAll();
     reconnect();
     check();

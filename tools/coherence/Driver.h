@@ -11,12 +11,27 @@
 
 #include "Expect.h"
 #include "Model.h"
-#include "Operation.h"
 #include "Runs.h"
 #include "vela/Manager.h"
 #include "velasim/Simulator.h"
 
 namespace coherence {
+
+class Driver;
+
+/** One step of a run: a run is a list of these, and stays a run when any of them are left out. */
+struct Operation {
+    std::string text;  // for people
+    std::function<void(Driver& driver)> perform;
+};
+
+/**
+ * The run of a seed. Some seeds have no faults, and some no restarts.
+ * @param mix these faults and no others, from the start to the end; empty: a few of every kind,
+ * some of the time
+ */
+std::vector<Operation> randomOperations(std::uint64_t seed, std::size_t count,
+                                        const std::vector<velasim::FaultRule>& mix = {});
 
 /** What a run came to. */
 struct Outcome : Verdict {
@@ -63,22 +78,14 @@ class Driver {
     void onBoth(Change change) {
         act([&] { return change(simulator); }, [&] { return change(model); });
     }
+    template <auto OfSimulator, auto OfModel>
+    void onBoth() {
+        act([&] { (simulator.*OfSimulator)(); }, [&] { (model.*OfModel)(); });
+    }
     /** Does something that the model learns of from the journal. */
     template <typename Change>
     void onSimulator(Change change) {
         act([&] { change(simulator); }, [] {});
-    }
-    void serviceDown() {
-        onBoth([](auto& modem) { modem.serviceDown(); });
-    }
-    void serviceUp() {
-        onBoth([](auto& modem) { modem.serviceUp(); });
-    }
-    void restart() {
-        onBoth([](auto& modem) { modem.restart(); });
-    }
-    void releaseDelayed() {
-        onBoth([](auto& modem) { modem.releaseDelayed(); });
     }
     void clearFaults() { simulator.faults().clear(); }
     void addFault(const velasim::FaultRule& rule) { simulator.faults().add(rule); }

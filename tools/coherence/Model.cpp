@@ -310,11 +310,9 @@ void Model::follow(const Change& change) {
 void Model::reload() {
     dropAll();  // what is expected stays so
     exceptions.onReload();
-    if (!readAll(Technology::ThreeGpp)) {
-        exceptions.addAll(Technology::ThreeGpp2, kListFailed);  // not asked for
-        return;
+    if (!readAll(Technology::ThreeGpp) || !readAll(Technology::ThreeGpp2)) {
+        exceptions.addAll(Technology::ThreeGpp2, kListFailed);  // or not asked for
     }
-    readAll(Technology::ThreeGpp2);
 }
 
 }  // namespace coherence

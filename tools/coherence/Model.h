@@ -138,7 +138,6 @@ class Model {
     bool readAll(velasim::Technology technology);
     void dropAll();
     void expire(const Cached& dying);
-    void compareWithModem(ProfileId id, const std::vector<const Entry*>& entries) const;
 
     Exceptions exceptions;
     ModelModem modem;

@@ -116,36 +116,32 @@ bool Model::isHealed() const {
 }
 
 void Model::compareWithModem(Figures& figures) const {
-    std::map<ProfileId, std::vector<const Entry*>> entries;
+    std::map<ProfileId, std::vector<const Image*>> images;
     for (const auto& [id, settings] : modem.homeTable()) {
-        entries[id];
+        images[id];
     }
     for (const auto& [token, cached] : cache) {
         if (cached) {
-            entries[cached->id].push_back(&*cached);
+            images[cached->id].push_back(&cached->image);
         }
     }
-    for (const auto& [id, ofId] : entries) {
+    for (const auto& [id, ofId] : images) {
         if (!modem.arrivals.empty() || exceptions.reasonFor(id) != nullptr) {
             ++figures.excused;
-        } else {
-            compareWithModem(id, ofId);
-            ++figures.compared;
+            continue;
         }
-    }
-}
-
-void Model::compareWithModem(ProfileId id, const std::vector<const Entry*>& entries) const {
-    const auto stored = modem.homeTable().find(id);
-    if (stored == modem.homeTable().end() || entries.size() != 1) {
-        throw Mismatch(id.text() + " is cached " + std::to_string(entries.size()) +
-                       " times, the modem has " +
-                       (stored == modem.homeTable().end() ? "none" : "one"));
-    }
-    const auto& image = entries.front()->image;
-    if (!image.isStoredAs(Image::of(stored->second, id.is3gpp2()))) {
-        throw Mismatch(id.text() + " is cached as " + velactl::printable(image.text(id)) +
-                       " but stored as " + velasim::describe(stored->second, id.technology));
+        const auto stored = modem.homeTable().find(id);
+        const bool isStored = stored != modem.homeTable().end();
+        if (!isStored || ofId.size() != 1 ||
+            !ofId[0]->isStoredAs(Image::of(stored->second, id.is3gpp2()))) {
+            auto text = id.text() + " is cached";
+            for (const auto* image : ofId) {
+                text += " as " + velactl::printable(image->text(id));
+            }
+            throw Mismatch(text + " but stored as " +
+                           (isStored ? velasim::describe(stored->second, id.technology) : "none"));
+        }
+        ++figures.compared;
     }
 }
 

@@ -1,7 +1,5 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
-#include "Operation.h"
-
 #include <velasim/Random.h>
 #include <wds_service_v01.h>
 
@@ -16,6 +14,7 @@ namespace {
 
 using Params = vela::ProfileParams;
 using velasim::Random;
+using velasim::Simulator;
 using velasim::Technology;
 
 // Values come from small pools, so that filters match and changes repeat; some do not fit.
@@ -204,6 +203,11 @@ Operation plain(Random& /*random*/) {
     return {"", [](Driver& driver) { (driver.*Method)(); }};
 }
 
+template <auto OfSimulator, auto OfModel>
+Operation plain(Random& /*random*/) {
+    return {"", [](Driver& driver) { driver.onBoth<OfSimulator, OfModel>(); }};
+}
+
 template <auto Method, typename... Params>
 Operation atSlot(unsigned slot, const Params&... params) {
     return {(" key" + std::to_string(slot) + ... + (" " + params.dump())),
@@ -285,7 +289,7 @@ Operation foreign(Random& random) {
     });
 }
 
-template <bool (velasim::Simulator::*Report)(std::int32_t, Technology, int)>
+template <bool (Simulator::*Report)(std::int32_t, Technology, int)>
 Operation report(Random& random) {
     return onInstance(random, "", [](Driver& driver, int instance) {
         driver.onSimulator(
@@ -340,15 +344,15 @@ constexpr Kind kKinds[] = {
     {"foreign create", 35, foreign<Change::Create>},
     {"foreign modify", 60, foreign<Change::Modify>},
     {"foreign delete", 35, foreign<Change::Delete>},
-    {"subscription change", 8, report<&velasim::Simulator::subscriptionChange>},
-    {"profile ready", 8, report<&velasim::Simulator::profileReady>},
-    {"service down", 5, plain<&Driver::serviceDown>, Group::Restarts},
-    {"service up", 10, plain<&Driver::serviceUp>, Group::Restarts},
-    {"restart", 8, plain<&Driver::restart>, Group::Restarts},
+    {"subscription change", 8, report<&Simulator::subscriptionChange>},
+    {"profile ready", 8, report<&Simulator::profileReady>},
+    {"service down", 5, plain<&Simulator::serviceDown, &Model::serviceDown>, Group::Restarts},
+    {"service up", 10, plain<&Simulator::serviceUp, &Model::serviceUp>, Group::Restarts},
+    {"restart", 8, plain<&Simulator::restart, &Model::restart>, Group::Restarts},
     {"deliver one", 100, plain<&Driver::deliver>},
     {"deliver all", 120, plain<&Driver::deliverAll>},
     {"deliver at once", 60, plain<&Driver::deliverAtOnce>},
-    {"release delayed", 15, plain<&Driver::releaseDelayed>},
+    {"release delayed", 15, plain<&Simulator::releaseDelayed, &Model::releaseDelayed>},
     {"inject", 6, inject, Group::Faults},
     {"fault", 90, randomFault, Group::Faults},
     {"clear faults", 12, plain<&Driver::clearFaults>, Group::Faults},
