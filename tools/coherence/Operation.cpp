@@ -309,7 +309,7 @@ Operation inject(Random& random) {
 
 Operation fault(const velasim::FaultRule& rule) {
     std::ostringstream text;
-    text << " " << toString(rule.fault) << " value=" << rule.value << " on message "
+    text << "fault " << toString(rule.fault) << " value=" << rule.value << " on message "
          << (rule.messageId == velasim::kAnyMessage ? "any" : velasim::messageName(rule.messageId))
          << ", from number " << rule.first << ", at most " << rule.count
          << " times (0: always), with probability " << rule.probability;
@@ -354,7 +354,7 @@ constexpr Kind kKinds[] = {
     {"deliver at once", 60, plain<&Driver::deliverAtOnce>},
     {"release delayed", 15, plain<&Simulator::releaseDelayed, &Model::releaseDelayed>},
     {"inject", 6, inject, Group::Faults},
-    {"fault", 90, randomFault, Group::Faults},
+    {"", 90, randomFault, Group::Faults},
     {"clear faults", 12, plain<&Driver::clearFaults>, Group::Faults},
 };
 

@@ -17,8 +17,6 @@ using coherence::Outcome;
 
 /** A candidate for a shorter run that takes longer hangs. */
 constexpr std::chrono::seconds kPatience{20};
-/** How probable a fault is at each occasion that it has, unless something else is asked for. */
-constexpr double kOften = 0.1;
 
 /** Many random runs. */
 struct Campaign {
@@ -29,15 +27,11 @@ struct Campaign {
     std::vector<velasim::FaultRule> mix;
 };
 
-velasim::FaultRule standing(velasim::Fault fault, double probability) {
-    return {fault, velasim::kAnyMessage, 1, 1, 0, probability};
-}
-
 /** A standing rule from NAME or NAME=PROBABILITY. */
 velasim::FaultRule ruleFrom(const std::string& text) {
     const auto equals = text.find('=');
     const auto fault = velasim::faultNamed(text.substr(0, equals));
-    double probability = kOften;
+    double probability = 0.1;
     const bool isNumber = equals == std::string::npos ||
                           CLI::detail::lexical_cast(text.substr(equals + 1), probability);
     if (!fault || !isNumber || !(probability > 0 && probability <= 1)) {
@@ -48,7 +42,7 @@ velasim::FaultRule ruleFrom(const std::string& text) {
         }
         throw CLI::ValidationError("--fault", complaint);
     }
-    return standing(*fault, probability);
+    return {*fault, velasim::kAnyMessage, 1, 1, 0, probability};
 }
 
 /** A run in a process of its own. */
@@ -119,7 +113,7 @@ bool runEachFault(Campaign campaign) {
     const auto faults = velasim::allFaults();
     return std::all_of(faults.begin(), faults.end(), [&](velasim::Fault fault) {
         std::cout << toString(fault) << ": ";
-        campaign.mix = {standing(fault, kOften)};
+        campaign.mix = {ruleFrom(toString(fault))};
         return run(campaign);
     });
 }

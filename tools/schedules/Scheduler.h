@@ -149,4 +149,12 @@ class Scheduler {
     velasim::Random random{0};
 };
 
+/** A small program of a few threads, whose schedules are explored. */
+struct Script {
+    const char* name;
+    void (*run)();
+};
+
+const std::vector<Script>& allScripts();
+
 }  // namespace schedules

@@ -16,7 +16,6 @@
 
 #include "Modem.h"
 #include "Scheduler.h"
-#include "Scripts.h"
 #include "vela/Manager.h"
 
 namespace schedules {
@@ -112,11 +111,6 @@ int readsOf(int index) {
     return modem::countOf(RLINK_WDS_GET_PROFILE_SETTINGS_REQ_V01, index);
 }
 
-void requireDeleted(int index) {
-    require(modem::countOf(RLINK_WDS_DELETE_PROFILE_REQ_V01, index) == 1 && !modem::has(index),
-            "the profile of a key that was dropped is not deleted once");
-}
-
 // ---- The scripts
 
 void twoCallers(const Connected& scene) {
@@ -169,7 +163,8 @@ void listenerReleases(const Connected& scene) {
     one->registerExpirationListener([&] { two.reset(); });
     atOnce({{"caller", scene.asks(three)}, {"messaging", announces(1, kDelete)}});
     scene.settle();
-    requireDeleted(2);
+    require(modem::countOf(RLINK_WDS_DELETE_PROFILE_REQ_V01, 2) == 1 && !modem::has(2),
+            "the profile of a key that was dropped is not deleted once");
 }
 
 void initDuringCallbacks(const Connected& scene) {

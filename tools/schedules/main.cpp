@@ -15,7 +15,6 @@
 #include <sstream>
 
 #include "Scheduler.h"
-#include "Scripts.h"
 #include "coherence/Runs.h"
 
 namespace {
