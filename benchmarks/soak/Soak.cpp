@@ -147,10 +147,6 @@ bool agrees(Scene& scene) {
     return cached(scene.library) == stored(scene.simulator);
 }
 
-bool hasOneHandle(Scene& scene) {
-    return scene.simulator.openHandles() == 1;
-}
-
 bool require(bool holds, const char* complaint) {
     if (!holds) {
         std::cerr << "soak: " << complaint << "\n";
@@ -255,8 +251,10 @@ bool rest(Scene& scene, std::uint64_t seed, std::uint64_t& faults) {
                      "the library has lost the service") &&
            comesTrue(scene, "comparing cache and modem", agrees,
                      "cache and modem differ after a reload") &&
-           comesTrue(scene, "counting handles", hasOneHandle,
-                     "messaging clients or notifiers leak");
+           comesTrue(
+               scene, "counting handles",
+               [](Scene& held) { return held.simulator.openHandles() == 1; },
+               "messaging clients or notifiers leak");
 }
 
 bool hasNoGrowth(const Sample& first, const Sample& last, bool isLong) {

@@ -98,7 +98,6 @@ class Driver {
     using Key = std::shared_ptr<vela::IProfileKey>;
 
     void start();
-    void provision(int instance, const std::vector<velasim::Technology>& technologies);
     template <typename Real, typename Predicted>
     void useKey(unsigned slot, Real real, Predicted predicted);
     void reconnect();

@@ -32,13 +32,13 @@ inline void expectEqual(const std::string& what, const std::string& promised,
 }
 
 /** Line by line. */
-inline void expectEqual(const std::string& what, const std::vector<std::string>& promised,
-                        const std::vector<std::string>& found) {
-    const auto lineOf = [](const std::vector<std::string>& lines, std::size_t i) {
-        return i < lines.size() ? lines[i] : "nothing";
-    };
-    for (std::size_t i = 0; i < std::max(promised.size(), found.size()); ++i) {
-        expectEqual(what, lineOf(promised, i), lineOf(found, i));
+inline void expectEqual(const std::string& what, std::vector<std::string> promised,
+                        std::vector<std::string> found) {
+    const auto size = std::max(promised.size(), found.size());
+    promised.resize(size, "nothing");
+    found.resize(size, "nothing");
+    for (std::size_t i = 0; i < size; ++i) {
+        expectEqual(what, promised[i], found[i]);
     }
 }
 

@@ -103,8 +103,6 @@ class Model {
     void compareWithModem(Figures& figures) const;
     /** No indication waits in the library. */
     bool hasHandledAll() const { return modem.arrivals.empty(); }
-    /** No exception is claimed for anything that is. */
-    bool isHealed() const;
 
   private:
     struct Entry {

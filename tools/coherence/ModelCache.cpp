@@ -108,13 +108,6 @@ std::vector<std::string> Model::dump() const {
     return lines;
 }
 
-bool Model::isHealed() const {
-    const auto& table = modem.homeTable();
-    return std::all_of(table.begin(), table.end(), [&](const auto& item) {
-        return exceptions.reasonFor(item.first) == nullptr;
-    });
-}
-
 void Model::compareWithModem(Figures& figures) const {
     std::map<ProfileId, std::vector<const Image*>> images;
     for (const auto& [id, settings] : modem.homeTable()) {

@@ -166,25 +166,11 @@ velasim::FaultRule randomRule(Random& random) {
     rule.first = static_cast<std::uint32_t>(1 + random.below(3));
     rule.count = static_cast<std::uint32_t>(1 + random.below(3));
     // Of what a fault can be told, what the model need not know: an error, or how far it goes.
-    const auto values = rule.fault == velasim::Fault::Refuse                     ? 100
-                        : pointOf(rule.fault) == velasim::FaultPoint::Indication ? 4
-                                                                                 : 1;
-    rule.value = static_cast<std::uint32_t>(random.below(static_cast<std::uint64_t>(values)));
+    const bool isIndication = pointOf(rule.fault) == velasim::FaultPoint::Indication;
+    rule.value = static_cast<std::uint32_t>(random.below(rule.fault == velasim::Fault::Refuse ? 100U
+                                                         : isIndication                       ? 4U
+                                                                        : 1U));
     return rule;
-}
-
-/** An indication that no modem should send. */
-std::vector<std::uint8_t> randomBytes(Random& random) {
-    const auto odd = [&](unsigned limit) {  // mostly sensible
-        return static_cast<std::uint8_t>(random.below(random.chance(0.2) ? 256 : limit));
-    };
-    if (random.chance(0.2)) {
-        return {0x7F, 0, 0};  // decodable, and says nothing
-    }
-    const auto type = odd(2);
-    const auto index = odd(7);
-    const auto event = odd(6);
-    return {0x10, 9, 0, type, 0, 0, 0, index, event, 0, 0, 0};
 }
 
 // ---- Operations: their text is what follows the name of their kind
@@ -297,13 +283,20 @@ Operation report(Random& random) {
     });
 }
 
+/** An indication that no modem should send. */
 Operation inject(Random& random) {
-    constexpr std::uint32_t kExpected = RLINK_WDS_PROFILE_CHANGED_IND_V01;
-    const auto bytes = randomBytes(random);
-    const auto messageId = random.chance(0.2) ? kExpected + 1 : kExpected;
+    const auto odd = [&](unsigned limit) {  // mostly sensible
+        return static_cast<std::uint8_t>(random.below(random.chance(0.2) ? 256 : limit));
+    };
+    std::vector<std::uint8_t> bytes{0x7F, 0, 0};  // decodable, and says nothing
+    if (random.chance(0.8)) {
+        bytes = {0x10, 9, 0, odd(2), 0, 0, 0, odd(7), odd(6), 0, 0, 0};
+    }
+    const std::uint32_t wrong = random.chance(0.2) ? 1 : 0;
     return {"", [=](Driver& driver) {
-                driver.onSimulator(
-                    [&](auto& simulator) { simulator.injectIndication(bytes, messageId); });
+                driver.onSimulator([&](auto& simulator) {
+                    simulator.injectIndication(bytes, RLINK_WDS_PROFILE_CHANGED_IND_V01 + wrong);
+                });
             }};
 }
 

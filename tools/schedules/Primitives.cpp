@@ -31,10 +31,6 @@ Scheduler& scheduler() {
 
 std::array<int, Scheduler::kMostThreads> locksHeld{};
 
-int own() {
-    return static_cast<int>(scheduler().self()) + 1;
-}
-
 int& holderOf(pthread_mutex_t* mutex) {
     return mutex->__data.__owner;
 }
@@ -46,7 +42,7 @@ bool isLogs(const void* lock) {
 }
 
 int unlock(pthread_mutex_t* mutex) {
-    if (scheduler().isRunning() && holderOf(mutex) != own()) {
+    if (scheduler().isRunning() && holderOf(mutex) != static_cast<int>(scheduler().self()) + 1) {
         scheduler().fail("a mutex is released by a thread that does not hold it");
     }
     schedules::release(mutex);
@@ -56,7 +52,7 @@ int unlock(pthread_mutex_t* mutex) {
 }
 
 void lock(pthread_mutex_t* mutex) {
-    holderOf(mutex) = own();
+    holderOf(mutex) = static_cast<int>(scheduler().self()) + 1;
     ++locksHeld.at(scheduler().self());
     schedules::acquire(mutex);
 }
@@ -106,7 +102,6 @@ int notify(const pthread_cond_t* condition, bool isForAll, const void* caller) {
 using Routine = void* (*)(void* argument);
 
 struct Start {
-    std::size_t number;
     Routine routine;
     void* argument;
     pthread_t thread;
@@ -115,7 +110,7 @@ std::array<Start, Scheduler::kMostThreads> starts;
 
 void* run(void* argument) {
     const auto& start = *static_cast<Start*>(argument);
-    scheduler().enter(start.number);
+    scheduler().enter(static_cast<std::size_t>(&start - starts.data()));
     schedules::acquire(&start);
     void* result = start.routine(start.argument);
     schedules::release(&start);
@@ -132,11 +127,6 @@ Function systems(const char* name) {
 const void* objectOf(int fd) {
     static std::array<char, 1024> objects;
     return &objects.at(static_cast<std::size_t>(fd));
-}
-
-bool isReady(int fd) {
-    pollfd one{fd, POLLIN, 0};
-    return ::poll(&one, 1, 0) > 0;
 }
 
 }  // namespace
@@ -198,9 +188,8 @@ int pthread_cond_broadcast(pthread_cond_t* condition) {
 int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, Routine routine,
                    void* argument) {
     static const auto create = systems<decltype(&pthread_create)>("pthread_create");
-    const auto number = scheduler().announce();
-    auto& start = starts.at(number);
-    start = {number, routine, argument, {}};
+    auto& start = starts.at(scheduler().announce());
+    start = {routine, argument, {}};
     schedules::release(&start);
     const int result = create(thread, attributes, run, &start);
     start.thread = *thread;
@@ -212,8 +201,9 @@ int pthread_join(pthread_t thread, void** result) {
     const auto start = std::find_if(starts.rbegin(), starts.rend(), [=](const Start& one) {
         return one.routine != nullptr && one.thread == thread;  // the latest of that handle
     });
-    scheduler().point("waits for the end of a thread", __builtin_return_address(0),
-                      [=] { return scheduler().hasLeft(start->number); });
+    scheduler().point("waits for the end of a thread", __builtin_return_address(0), [=] {
+        return scheduler().hasLeft(static_cast<std::size_t>(&*start - starts.data()));
+    });
     schedules::acquire(&*start);
     return join(thread, result);
 }
@@ -230,7 +220,10 @@ ssize_t write(int fd, const void* data, std::size_t size) {
 }
 
 int epoll_wait(int fd, epoll_event* events, int most, int /*timeout*/) {
-    scheduler().point("waits for events", __builtin_return_address(0), [=] { return isReady(fd); });
+    scheduler().point("waits for events", __builtin_return_address(0), [=] {
+        pollfd one{fd, POLLIN, 0};
+        return ::poll(&one, 1, 0) > 0;
+    });
     const auto count =
         static_cast<int>(::syscall(SYS_epoll_pwait, fd, events, most, 0, nullptr, 8));
     for (int i = 0; i < count; ++i) {

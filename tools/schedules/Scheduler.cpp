@@ -118,7 +118,12 @@ std::size_t Scheduler::next() {
         possible = runnable();
     }
     if (possible == 0) {
-        fail(describeDeadlock());
+        std::string text = "nobody can go on; next would be: ";
+        for (std::size_t i = 0; i < threadCount; ++i) {
+            const auto& thread = threads.at(i);
+            text += thread.hasLeft ? "" : std::string(thread.name) + " " + thread.action + "; ";
+        }
+        fail(text);
     }
     const bool canGoOn = isIn(running, possible);
     const auto usual = canGoOn ? static_cast<std::uint32_t>(running)
@@ -165,15 +170,6 @@ void Scheduler::note(const Thread& thread, const void* caller) {
     for (std::size_t i = 1; i < step.frames.size() && i <= thread.calls.size(); ++i) {
         step.frames.at(i) = thread.calls[thread.calls.size() - i];
     }
-}
-
-std::string Scheduler::describeDeadlock() const {
-    std::string text = "nobody can go on; next would be: ";
-    for (std::size_t i = 0; i < threadCount; ++i) {
-        const auto& thread = threads.at(i);
-        text += thread.hasLeft ? "" : std::string(thread.name) + " " + thread.action + "; ";
-    }
-    return text;
 }
 
 void Scheduler::fail(const std::string& text) {

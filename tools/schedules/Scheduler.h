@@ -135,7 +135,6 @@ class Scheduler {
     std::uint32_t byPriority(std::uint32_t possible);
     void note(const Thread& thread, const void* caller);
     void handOver(std::size_t thread);
-    std::string describeDeadlock() const;
 
     Execution* execution = nullptr;
     bool isExploring = false;
