@@ -309,10 +309,6 @@ Operation fault(const velasim::FaultRule& rule) {
     return {text.str(), [=](Driver& driver) { driver.addFault(rule); }};
 }
 
-Operation randomFault(Random& random) {
-    return fault(randomRule(random));
-}
-
 /** What a run may be without. */
 enum class Group { None, Restarts, Faults };
 
@@ -347,7 +343,7 @@ constexpr Kind kKinds[] = {
     {"deliver at once", 60, plain<&Driver::deliverAtOnce>},
     {"release delayed", 15, plain<&Simulator::releaseDelayed, &Model::releaseDelayed>},
     {"inject", 6, inject, Group::Faults},
-    {"", 90, randomFault, Group::Faults},
+    {"", 90, [](Random& random) { return fault(randomRule(random)); }, Group::Faults},
     {"clear faults", 12, plain<&Driver::clearFaults>, Group::Faults},
 };
 
