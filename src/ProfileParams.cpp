@@ -79,14 +79,18 @@ AddProfileParams::AddProfileParams(const ProfileParams& params, bool persistent,
 std::string AddProfileParams::dump() const {
     DumpText text(DumpText::Booleans::Words);
     text << techType << " persist=" << isPersistent << ": ";
-    return ProfileParams::dump().insert(0, text.take());
+    std::string line = ProfileParams::dump();
+    line.insert(0, text.take());  // where it has room
+    return line;
 }
 
 std::string FilterProfileParams::dump() const {
     DumpText text(DumpText::Booleans::Words);
     text << criteriaText(filterMatchCriteria) << ": ";
     text.field("tech", filterByTechType).field("id", filterByProfileId);
-    return ProfileParams::dump().insert(0, text.take());
+    std::string line = ProfileParams::dump();
+    line.insert(0, text.take());  // where it has room
+    return line;
 }
 
 }  // namespace vela
