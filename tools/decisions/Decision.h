@@ -34,7 +34,7 @@ class Decision : private vela::Observer {
     /** The caller has dropped its key. */
     void release();
 
-    /** Whether it came to the end that its caller wants, and nothing failed, the release included.
+    /** Whether it came to the end that its caller wants, and nothing failed, not even the release.
      */
     bool isDone() const { return document["done"].get<bool>(); }
 

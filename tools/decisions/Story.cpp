@@ -35,8 +35,7 @@ std::string fieldsText(const Json& object, const Json& loosely = Json::object())
     return parts.empty() ? "nothing in particular" : join(parts, ", ");
 }
 
-/** "user is you, asked for me"; `other` is the second value's member, `between` stands before it.
- */
+/** "user is you, asked for me"; `other` is the second value's member, after `between`. */
 Names differenceTexts(const Json& differences, const char* other, const std::string& between) {
     Names texts;
     for (const auto& item : differences.items()) {
@@ -211,16 +210,6 @@ void tellStep(Lines& to, const Json& step) {
     }
 }
 
-void tellAsked(Lines& to, const Json& document) {
-    to.add(0, document["operation"].get<std::string>() + ", asked for:");
-    for (const Json& entry : document["asked"]) {
-        to.add(1, fieldsText(entry));
-    }
-    if (document["update_allowed"] == true) {
-        to.add(1, "profiles that are found may be rewritten");
-    }
-}
-
 std::string originText(const Json& creation, const Json& profile) {
     const std::string maker = creation == "this_process_now"      ? "made just now"
                               : creation == "this_process_before" ? "made by this process earlier"
@@ -276,7 +265,13 @@ std::string wordsOf(const Json& name) {
 
 Names storyOf(const Json& document) {
     Lines story;
-    tellAsked(story, document);
+    story.add(0, document["operation"].get<std::string>() + ", asked for:");
+    for (const Json& entry : document["asked"]) {
+        story.add(1, fieldsText(entry));
+    }
+    if (document["update_allowed"] == true) {
+        story.add(1, "profiles that are found may be rewritten");
+    }
     for (const Json& step : document["steps"]) {
         tellStep(story, step);
     }

@@ -210,14 +210,6 @@ std::size_t tellStrays(Output& output, const OperatorFile& file) {
     return strays;
 }
 
-void tellTotals(Output& output, const OperatorFile& file, const Json& totals) {
-    output.line("Totals of " + file.name() + ':');
-    for (const auto& [name, number] : totals.items()) {
-        output.line("  " + replaced(name, '_', ' ') + ": " + number.dump());
-    }
-    output.document()["totals"] = totals;
-}
-
 }  // namespace
 
 std::string provisionOne(Output& output, Workbench& bench, const Operator& candidate,
@@ -287,7 +279,11 @@ std::string provisionAll(Output& output, const OperatorFile& file, const SurveyO
     listUnder(output, "Elsewhere in " + file.name() + ":", file.oddities());
     output.document()["file_oddities"] = file.oddities();
     add(totals, "without_operator", tellStrays(output, file));
-    tellTotals(output, file, totals);
+    output.line("Totals of " + file.name() + ':');
+    for (const auto& [name, number] : totals.items()) {
+        output.line("  " + replaced(name, '_', ' ') + ": " + number.dump());
+    }
+    output.document()["totals"] = totals;
     if (file.operatorCount() == 0) {
         return file.name() + ": no operator in it" + file.leftOut();
     }

@@ -77,21 +77,18 @@ ProfileField persistence(ProfileField field) {
     return field;
 }
 
-Json makerOf(const Params& params) {
-    const Filter known(params);
-    if (known.getIsIAProfile()) {
-        return "vela IA";
-    }
-    return known.hasFilterByIsVelaProfile() ? Json(known.getIsVelaProfile() ? "vela" : "others")
-                                            : Json();
-}
-
 ProfileField maker(ProfileField field) {
     field.kind = Kind::Word;
     field.scope = Scope::Filter;
     field.words = {"vela", "vela-ia", "others"};
     field.criteria = {Criterion::IsVelaProfile, Criterion::IsIAProfile};
-    field.get = makerOf;
+    field.get = [](const Params& params) {
+        const Filter known(params);
+        return known.getIsIAProfile()              ? Json("vela IA")
+               : !known.hasFilterByIsVelaProfile() ? Json()
+               : known.getIsVelaProfile()          ? Json("vela")
+                                                   : Json("others");
+    };
     field.set = [](Params& params, const Json& value) {
         Filter known(params);
         known.setFilterByIsVelaProfile(value != "others");

@@ -178,7 +178,7 @@ Json masked(Json document, bool showSecrets, bool isSecret) {
             item.value() = masked(std::move(item.value()), false, isSecret || isPassword);
         }
     }
-    const bool isHidden = isSecret && !showSecrets && document.is_string() && document != "";
+    const bool isHidden = isSecret && !showSecrets && document.is_string() && document != Json("");
     return isHidden ? "***" : document;
 }
 

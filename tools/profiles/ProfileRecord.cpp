@@ -162,7 +162,7 @@ Json changesBetween(const ProfileRecords& before, const ProfileRecords& after, b
 }
 
 std::string orAbsent(const Json& text, const char* absent) {
-    return text.is_null() ? absent : text == "" ? "\"\"" : text.get<std::string>();
+    return text.is_null() ? absent : text == Json("") ? "\"\"" : text.get<std::string>();
 }
 
 std::string changeLine(const Json& change) {
