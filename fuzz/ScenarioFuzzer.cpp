@@ -7,7 +7,7 @@
 #include <string>
 
 #include "profiles/ToolError.h"
-#include "scenario/Scenario.h"
+#include "scenario/Operation.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(data, data + size);

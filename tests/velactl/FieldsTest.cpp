@@ -6,7 +6,7 @@
 #include "ToolRun.h"
 #include "profiles/Output.h"
 #include "profiles/Text.h"
-#include "scenario/Help.h"
+#include "scenario/Operation.h"
 
 namespace velactl {
 namespace {

@@ -43,9 +43,7 @@ TEST_F(Tool, MasksPasswordsEverywhereUnlessAskedNotTo) {
     const std::vector<std::vector<std::string>> verbs{
         {"list"},
         {"--json", "list"},
-        {"show", "1"},
         {"dump"},
-        {"--json", "dump"},
         {"--log", "modify", "1", "--password", "geheimer"},
         {"--log", "attach", "--apn", "b", "--password", "geheimst"},
         {"--json", "data-call", "--apn", "a", "--password", "geheim", "--allow-update"},
@@ -85,33 +83,22 @@ TEST_F(Tool, BadInputGetsOneClearLineAndLosesNothing) {
     const Case cases[] = {
         {{}, 2, "no verb; velactl help lists them"},
         {{"lsit"}, 2, "\"lsit\" is no verb; did you mean \"list\"?"},
-        {{"help", "me"}, 2, "\"me\" is no verb"},
         {{"list", "--jsn"}, 2, "did you mean \"--json\"?"},
-        {{"--jsn", "list"}, 2, "did you mean \"--json\"?"},
         {{"show", "7"}, 1, "no 3GPP profile 7: there is 1"},
-        {{"delete", "1", "--tech", "3gpp2"}, 1, "the library knows no 3GPP2 profiles of the modem"},
         {{"show", ""}, 2, "[ID]: \"\" must be a whole number"},
         {{"attach", "--apn", "x", "--plmn", ""}, 2, "--plmn: the value is empty"},
-        {{"modify", "1", "--wait-time", "0x10"}, 2, "\"0x10\" must be a whole number"},
         {{"provision", "--apns", "/proc/self/mem", "--plmn", "00101"}, 1, "mem: cannot be read"},
         {{"add", "--types", "default,tv"}, 2, "\"tv\" is none; use default"},
         {{"add", "--max-conns", "70000"}, 2, "\"70000\" must be a whole number from 0 to 65535"},
         {{"add", "--apn", std::string(151, 'a')}, 2, "151 bytes; a profile holds 150"},
-        {{"list", "--instance", "99"}, 2, "--instance"},
-        {{"add", "--capacity", "0"}, 2, "--capacity"},
         {{"add", "--apn", "more"}, 1, "refused to create a profile: table full"},
         {{"provision", "--plmn", "00101"}, 2, "--apns"},
         {{"provision", "--apns", operators, "--plmn", "0010"}, 2, "MCC (3 digits)"},
-        {{"provision", "--apns", operators, "--plmn", "0011234"}, 2, "MCC (3 digits)"},
         {{"provision", "--apns", operators, "--plmn", "001003"},
          1,
          "of MCC 001: 001/03 (Klammfon)"},
-        {{"provision", "--apns", operators, "--plmn", "99901"}, 1, "it holds 6 operators"},
-        {{"provision", "--apns", operators, "--plmn", "00177"}, 1, "of MCC 001: 001/04 (Modem 90)"},
         {{"provision", "--apns", operators, "--plmn", "00101", "--mvno", "spn:No"}, 1, "gid:BAE0"},
-        {{"provision", "--apns", "none.xml", "--plmn", "00101"}, 1, "none.xml: cannot be read"},
         {{"provision", "--apns", broken, "--plmn", "00101"}, 1, "broken.xml:2:"},
-        {{"attach", "--apns", operators, "--plmn", "00104", "--roam-ip", "NON-IP"}, 2, "--roam-ip"},
         {{"emergency", "--apns", operators, "--plmn", "00102"}, 1, "no entry for emergency call"},
     };
     for (const Case& each : cases) {
@@ -153,18 +140,9 @@ TEST(Text, ShowsWhatATerminalMayShowAndEscapesTheRest) {
 
 TEST_F(Tool, AnswersWithOneDocumentHoweverItEnds) {
     const std::pair<std::vector<std::string>, int> lines[] = {
-        {{"list"}, 0},
-        {{"show", "7"}, 1},
-        {{"emergency", "--apn"}, 2},
-        {{"lsit"}, 2},
-        {{}, 2},
-        {{"help", "add"}, 0},
-        {{"--version"}, 0},
-        {{"match"}, 1},
-        {{"data-call", "--apn", "a"}, 0},
-        {{"shell"}, 2},
-        {{"run", "none.scn"}, 1},
-        {{"--modem", "", "list"}, 2},
+        {{"list"}, 0},  {{"show", "7"}, 1},       {{"lsit"}, 2},
+        {{}, 2},        {{"--version"}, 0},       {{"data-call", "--apn", "a"}, 0},
+        {{"shell"}, 2}, {{"run", "none.scn"}, 1}, {{"--modem", "", "list"}, 2},
     };
     for (const auto& [line, status] : lines) {
         const auto json = runJson(line);

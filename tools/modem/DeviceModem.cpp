@@ -4,9 +4,8 @@
 #include <algorithm>
 #include <chrono>
 
-#include "modem/Backend.h"
-#include "modem/Recorder.h"
 #include "modem/Rest.h"
+#include "modem/Workbench.h"
 #include "profiles/ToolError.h"
 
 namespace velactl {

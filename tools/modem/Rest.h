@@ -6,18 +6,8 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <string>
-#include <vector>
 
 namespace velactl {
-
-/** Whether the dump has waited for the worker thread, and not given up. */
-inline bool hasMetWorker(const std::vector<std::string>& dump) {
-    const auto has = [&dump](const char* line) {
-        return std::find(dump.begin(), dump.end(), line) != dump.end();
-    };
-    return has("Pending:") || !has("Cache:");  // or there is no worker
-}
 
 /**
  * Returns when the library has done everything of which its worker thread was told before the call:
@@ -27,7 +17,12 @@ inline bool hasMetWorker(const std::vector<std::string>& dump) {
 inline void awaitRest(vela::Manager& manager) {
     constexpr int kDumps = 2;  // between which the worker makes a whole pass
     for (int dumps = 0; dumps < kDumps;) {
-        dumps += hasMetWorker(manager.dump()) ? 1 : 0;
+        const auto dump = manager.dump();
+        const auto lacks = [&dump](const char* line) {
+            return std::ranges::count(dump, line) == 0;
+        };
+        const bool hasGivenUp = lacks("Pending:") && !lacks("Cache:");  // which takes a worker
+        dumps += hasGivenUp ? 0 : 1;
     }
 }
 

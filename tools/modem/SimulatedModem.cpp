@@ -30,17 +30,12 @@ velasim::SimulatorOptions simulatorOptions(const ModemOptions& options, std::siz
 
 /** Refuses a capacity that the modem's tables do not fit into. */
 void checkCapacity(const ModemOptions& options, const velasim::Snapshot::ModemImage& modem) {
-    const std::string limit = "more than --capacity " + std::to_string(*options.capacity);
-    for (const Technology technology : {Technology::ThreeGpp, Technology::ThreeGpp2}) {
-        const auto& profiles = modem.profiles(technology);
-        if (profiles.size() > *options.capacity) {
-            throw refused(options.file + " holds " + counted(profiles.size(), "profile") + ", " +
-                          limit);
-        }
-        for (const velasim::StoredProfile& profile : profiles) {
+    for (const auto* profiles : {&modem.threeGpp, &modem.threeGpp2}) {
+        for (const velasim::StoredProfile& profile : *profiles) {
             if (profile.index > *options.capacity) {
                 throw refused(options.file + " holds profile " + std::to_string(profile.index) +
-                              ", a number " + limit);
+                              ", a number more than --capacity " +
+                              std::to_string(*options.capacity));
             }
         }
     }

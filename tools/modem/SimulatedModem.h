@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "modem/Backend.h"
+#include "modem/Workbench.h"
 
 namespace velactl {
 

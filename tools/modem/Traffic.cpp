@@ -6,6 +6,9 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
+
+#include "modem/Workbench.h"
 
 namespace velactl {
 
@@ -24,6 +27,11 @@ constexpr MessageWords kMessages[] = {
     {ConfigureEventList, "configure_event_list", "report changes of profiles", "event-list"},
 };
 constexpr MessageWords kUnknown{{}, "unknown", "do something", ""};
+
+/** Whether it asks for indications. */
+bool isOfIndications(const vela::ModemMessage& message) {
+    return message.type == RegisterIndications || message.type == ConfigureEventList;
+}
 
 /** Of a service that is not up. */
 std::string absence(std::optional<vela::ServiceState> service) {
@@ -92,10 +100,10 @@ Connection connectionOf(const Messages& messages, std::optional<vela::ServiceSta
         if (message.type == BindSubscription) {
             connection.failure = failure;
         } else if (!failure.empty()) {
-            const bool isDeaf =
-                message.type == RegisterIndications || message.type == ConfigureEventList;
-            connection.notes.push_back(
-                failure + (isDeaf ? ", so the library does not see what others change" : ""));
+            connection.notes.push_back(failure +
+                                       (isOfIndications(message)
+                                            ? ", so the library does not see what others change"
+                                            : ""));
         }
     }
     if (service != vela::ServiceState::Up) {
@@ -104,6 +112,83 @@ Connection connectionOf(const Messages& messages, std::optional<vela::ServiceSta
         connection.failure = unlisted;
     }
     return connection;
+}
+
+Messages Recorder::takeMessages() {
+    const std::lock_guard lock(mutex);
+    return std::exchange(messages, {});
+}
+
+void Recorder::passTo(vela::Observer* newListener) {
+    const std::lock_guard lock(listening);
+    listener = newListener;
+}
+
+std::vector<vela::ProfileCandidate> Recorder::searchAside(const std::function<void()>& search) {
+    isAside = true;
+    search();
+    isAside = false;
+    const std::lock_guard lock(listening);
+    return std::exchange(found, {});
+}
+
+void Recorder::awaitConfirmations(std::chrono::milliseconds patience) {
+    std::unique_lock lock(mutex);
+    changed.wait_for(lock, patience, [this] { return isDeaf || expected <= lost; });
+    lost = expected;
+}
+
+void Recorder::awaitService(std::chrono::milliseconds patience) {
+    std::unique_lock lock(mutex);
+    changed.wait_for(lock, patience, [this] { return state == vela::ServiceState::Up; });
+}
+
+void Recorder::onSearch(const vela::ClientRequest& request,
+                        const std::vector<vela::ProfileCandidate>& candidates) {
+    pass(!isAside, &Observer::onSearch, request, candidates);
+    const std::lock_guard lock(listening);
+    if (isAside) {
+        found = candidates;
+    }
+}
+
+void Recorder::onMessage(const vela::ModemMessage& message) {
+    pass(true, &Observer::onMessage, message);
+    const std::lock_guard lock(mutex);
+    const bool isDone = message.outcome == vela::MessageOutcome::Answered;
+    expected += isDone ? wordsOf(message.type).indications : 0;
+    if (isOfIndications(message)) {
+        isDeaf = isDeaf || !isDone;
+    } else if (message.type == BindSubscription) {
+        isDeaf = false;
+    }
+    messages.push_back(message);
+    messages.back().request = nullptr;
+    messages.back().profile = nullptr;
+    std::erase_if(unread, [&message](const vela::ModemMessage& former) {
+        const bool isSame = former.profileId == message.profileId;
+        return former.techType == message.techType &&
+               (message.type == ListProfiles || (message.type == ReadProfile && isSame));
+    });
+    if (message.type == ReadProfile && !isDone) {
+        unread.push_back(messages.back());
+    }
+}
+
+void Recorder::onIndication(const vela::ModemIndication& indication) {
+    pass(true, &Observer::onIndication, indication);
+    const std::lock_guard lock(mutex);
+    expected -= indication.outcome == vela::IndicationOutcome::Confirmed ? 1 : 0;
+    lost = std::min(lost, expected);  // it was late
+    changed.notify_all();
+}
+
+void Recorder::onService(vela::ServiceState newState) {
+    pass(true, &Observer::onService, newState);
+    const std::lock_guard lock(mutex);
+    state = newState;
+    lost = newState == vela::ServiceState::Down ? expected : lost;
+    changed.notify_all();
 }
 
 }  // namespace velactl

@@ -11,26 +11,16 @@ namespace velactl {
 
 namespace {
 
-constexpr std::size_t kMaxLine = 4096;
-
-void checkByte(char byte) {
-    if (static_cast<unsigned char>(byte) < ' ' && byte != '\t') {
-        throw badUsage("a control character in the line; remove it");
-    }
-}
-
 /** How many letters must be put in, left out, replaced or exchanged with their neighbour. */
 std::size_t distanceOf(const std::string& left, const std::string& right) {
     std::vector<std::vector<std::size_t>> table(left.size() + 1,
                                                 std::vector<std::size_t>(right.size() + 1));
     for (std::size_t i = 0; i <= left.size(); ++i) {
         for (std::size_t j = 0; j <= right.size(); ++j) {
-            if (i == 0 || j == 0) {
-                table[i][j] = i + j;
-                continue;
-            }
-            const std::size_t kept = table[i - 1][j - 1] + (left[i - 1] == right[j - 1] ? 0 : 1);
-            table[i][j] = std::min({table[i - 1][j] + 1, table[i][j - 1] + 1, kept});
+            table[i][j] = i == 0 || j == 0
+                              ? i + j
+                              : std::min({table[i - 1][j] + 1, table[i][j - 1] + 1,
+                                          table[i - 1][j - 1] + (left[i - 1] != right[j - 1])});
             if (i > 1 && j > 1 && left[i - 1] == right[j - 2] && left[i - 2] == right[j - 1]) {
                 table[i][j] = std::min(table[i][j], table[i - 2][j - 2] + 1);
             }
@@ -75,10 +65,6 @@ bool ScenarioWord::isOption() const {
 ScenarioWords splitStatement(std::string_view line) {
     constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
     line.remove_prefix(line.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
-    if (line.size() > kMaxLine) {
-        throw badUsage("a line of " + std::to_string(line.size()) + " bytes; at most " +
-                       std::to_string(kMaxLine) + " are read");
-    }
     ScenarioWords words;
     bool isInWord = false;
     bool isInQuotes = false;
@@ -96,7 +82,6 @@ ScenarioWords splitStatement(std::string_view line) {
         }
         const bool isEscaped = isInQuotes && line[at] == '\\' && at + 1 < line.size();
         at += isEscaped ? 1 : 0;
-        checkByte(line[at]);
         if (line[at] == '"' && !isEscaped) {
             isInQuotes = !isInQuotes;
         } else {

@@ -69,8 +69,8 @@ struct Arguments {
         return has(option) ? std::stoll(text(option)) : otherwise;
     }
     /** The word at a place; empty: it was not given. */
-    std::string word(std::size_t place = 0) const {
-        return place < words.size() ? words[place] : std::string();
+    std::string word(std::size_t at = 0) const {
+        return at < words.size() ? words[at] : std::string();
     }
 
     /** 3GPP unless another one was given. */

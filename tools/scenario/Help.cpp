@@ -1,11 +1,10 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
-#include "scenario/Help.h"
-
+// What people are told of operations and their options, before and while they write them.
 #include <algorithm>
 #include <filesystem>
 
-#include "profiles/ToolError.h"
+#include "scenario/Operation.h"
 #include "scenario/Stage.h"
 
 namespace velactl {
@@ -53,6 +52,22 @@ std::string bySection(const Operations& list, const std::string& mark, const std
     return text;
 }
 
+/** The meaning of each option, under the heading of its group. */
+std::string helpOf(const std::vector<Option>& options) {
+    std::string text;
+    std::string heading;
+    for (const Option& option : options) {
+        const std::string group = option.groupName();
+        const std::string title = !group.empty()                      ? group
+                                  : (option.groups & kEveryVerb) != 0 ? "options of every verb"
+                                                                      : "options";
+        text += title == heading ? "" : '\n' + title + ":\n";
+        heading = title;
+        text += entry({option.usage()}, option.help);
+    }
+    return text;
+}
+
 std::string helpOfOne(const Operation& operation, unsigned place) {
     std::string text = place == kVerb ? "Usage: velactl [options] " : "";
     append(text, operation.usage(place), kMargin);
@@ -69,6 +84,15 @@ std::string helpOfOne(const Operation& operation, unsigned place) {
         text += values.empty() ? "" : '\n' + entry({name}, join(values, ", "));
     }
     return text + helpOf(options);
+}
+
+/** For a terminal: of several usage and meaning of each, under its heading; of one also every
+ * option. */
+std::string helpOf(const Operations& list, unsigned place) {
+    return list.size() == 1 ? helpOfOne(list.front(), place)
+                            : bySection(list, "", ":\n", [place](const Operation& operation) {
+                                  return entry(operation.usage(place), operation.help);
+                              });
 }
 
 /** Of all at that place, or of those that are named: on the command line also of statements. */
@@ -92,6 +116,14 @@ std::string helpOn(const Arguments& given) {
                            "Exit status: 0 done, 1 refused or not found, 2 bad usage.\n";
 }
 
+/** The list as a document has it: for each heading a table. */
+std::string tablesOf(const Operations& list, unsigned place) {
+    return bySection(list, "### ", "\n\n| | |\n|---|---|\n", [place](const Operation& operation) {
+        return "| `" + join(split(join(operation.usage(place), " "), '|'), "\\|") + "` | " +
+               operation.help + " |\n";
+    });
+}
+
 void help(Stage& stage, const Arguments& arguments) {
     const std::string text = arguments.has("--verbs") ? tablesOf(operationsAt(kVerb), kVerb)
                              : arguments.has("--statements")
@@ -101,13 +133,6 @@ void help(Stage& stage, const Arguments& arguments) {
         stage.story().text() << text;
     }
     stage.document()["text"] = text;
-}
-
-std::string inTable(std::string text) {
-    for (std::size_t at = text.find('|'); at != std::string::npos; at = text.find('|', at + 2)) {
-        text.insert(at, "\\");
-    }
-    return text;
 }
 
 /** The files and folders whose names begin so. */
@@ -155,38 +180,10 @@ Names nextWords(const Operation& operation, const ScenarioWord& last, const std:
 
 }  // namespace
 
-std::string helpOf(const Operations& list, unsigned place) {
-    return list.size() == 1 ? helpOfOne(list.front(), place)
-                            : bySection(list, "", ":\n", [place](const Operation& operation) {
-                                  return entry(operation.usage(place), operation.help);
-                              });
-}
-
-std::string helpOf(const std::vector<Option>& options) {
-    std::string text;
-    std::string heading;
-    for (const Option& option : options) {
-        const std::string group = option.groupName();
-        const std::string title = !group.empty()                      ? group
-                                  : (option.groups & kEveryVerb) != 0 ? "options of every verb"
-                                                                      : "options";
-        text += title == heading ? "" : '\n' + title + ":\n";
-        heading = title;
-        text += entry({option.usage()}, option.help);
-    }
-    return text;
-}
-
-std::string tablesOf(const Operations& list, unsigned place) {
-    return bySection(list, "### ", "\n\n| | |\n|---|---|\n", [place](const Operation& operation) {
-        return "| `" + inTable(join(operation.usage(place), " ")) + "` | " + operation.help +
-               " |\n";
-    });
-}
-
 Operations helpOperations() {
     const auto check = [](const Arguments& arguments) { helpOn(arguments); };
     return {
+        sectionOf("Help"),
         {"help [VERB...]", "this help, or that of a verb", help, kTables, kVerb, check},
         {"help [STATEMENT...]", "this help, or one statement with all its options", help,
          kNoOptions, kShell, check},

@@ -8,11 +8,7 @@ Names valuesOf(const std::string& /*placeholder*/) {
     return {};
 }
 
-Operations modemOperations() {
-    return {};
-}
-
-Operations faultOperations() {
+Operations simulatorOperations() {
     return {};
 }
 

@@ -18,19 +18,16 @@ constexpr int kMaxCount = 1000000;
 
 Operations collect() {
     Operations all;
-    for (const auto& [section, list] : {std::pair("Looking", lookOperations()),
-                                        {"Profiles", profileOperations()},
-                                        {"Policies", policyOperations()},
-                                        {"The modem, and others", modemOperations()},
-                                        {"Faults", faultOperations()},
-                                        {"Expectations", expectOperations()},
-                                        {"Scenarios", playOperations()},
-                                        {"Help", helpOperations()}}) {
-        for (const Operation& operation : list) {
+    const char* section = "";
+    for (auto* const list : {profileOperations, policyOperations, simulatorOperations,
+                             expectOperations, playOperations, helpOperations}) {
+        for (const Operation& operation : list()) {
+            section = operation.run == nullptr ? operation.help : section;
             all.push_back(operation);
             all.back().section = section;
         }
     }
+    std::erase_if(all, [](const Operation& each) { return each.run == nullptr; });
     return all;
 }
 

@@ -2,7 +2,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "profiles/Text.h"
@@ -71,19 +74,47 @@ class Statement {
     Arguments arguments;
 };
 
+/** A scenario, which is read whole: every statement makes sense before the first is played. */
+struct Scenario {
+    struct Step {
+        std::size_t line;
+        std::string text;
+        Statement statement;
+    };
+
+    /** `name` stands in messages. Throws ToolError that names it and the line. */
+    Scenario(std::string_view text, std::string name);
+
+    std::string name;
+    std::vector<Step> steps = {};
+};
+
 // The parts of the list, each in a file of its own.
-Operations lookOperations();
+
+/** What begins a section of it. */
+inline Operation sectionOf(const char* heading) {
+    return {"", heading, nullptr};
+}
 Operations profileOperations();
 Operations policyOperations();
+/** What only a simulator can do; none when there is none. */
+Operations simulatorOperations();
 Operations expectOperations();
 Operations playOperations();
 Operations helpOperations();
-// What only a simulator can do; none when there is none.
-Operations modemOperations();
-Operations faultOperations();
 
 /** What the verb shell does: a prompt for statements, on the standard input, until that ends or
  * asks to. Throws the status of the last error, but on a terminal whoever types has seen them. */
 void runShell(Stage& stage, const Arguments& arguments);
+
+/** What stands for KEY or ID now: the keys that are held, the numbers of profiles. */
+using Present = std::function<Names(const std::string& placeholder)>;
+
+/**
+ * What may stand in place of the last word of an unfinished line, sorted: the next word of a
+ * statement's name, what stands for its placeholders, its options and their values. Throws
+ * ToolError when the line makes no sense so far.
+ */
+Names completionsOf(const std::string& line, const Present& present);
 
 }  // namespace velactl

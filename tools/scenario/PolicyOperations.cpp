@@ -19,22 +19,17 @@ namespace {
 using Requests = std::list<vela::ProfileParams>;
 using Entries = std::vector<OperatorEntry>;
 
-/** A policy as people name it; which of an operator's entries it takes, the first of some types,
- * that of the attach, or all; and whether it yields a key. */
+/** A policy as people name it; the one of an operator's entries that it takes, or all; and whether
+ * it yields a key. */
 struct Purpose {
     const char* name;
-    enum class Of { Attach, Types, All } of = Of::All;
-    unsigned int types = 0;
+    std::function<const OperatorEntry*(const Operator& candidate)> pick = {};
     bool yields = false;
 };
 
-Entries entriesFor(const Purpose& purpose, const Operator& candidate) {
-    if (purpose.of == Purpose::Of::All) {
-        return candidate.entries;
-    }
-    const OperatorEntry* entry =
-        purpose.of == Purpose::Of::Attach ? candidate.attachEntry() : candidate.find(purpose.types);
-    return entry == nullptr ? Entries() : Entries{*entry};
+/** The first entry of these types. */
+auto ofTypes(unsigned int types) {
+    return [types](const Operator& candidate) { return candidate.find(types); };
 }
 
 Operator operatorIn(const OperatorFile& file, const Arguments& arguments) {
@@ -48,8 +43,12 @@ Requests requestsOf(const Arguments& arguments, const Purpose& purpose) {
     }
     const OperatorFile file = OperatorFile::load(arguments.text("--apns"));
     const Operator candidate = operatorIn(file, arguments);
+    const OperatorEntry* picked = purpose.pick ? purpose.pick(candidate) : nullptr;
+    const Entries entries = !purpose.pick       ? candidate.entries
+                            : picked == nullptr ? Entries()
+                                                : Entries{*picked};
     Requests list;
-    for (const OperatorEntry& entry : entriesFor(purpose, candidate)) {
+    for (const OperatorEntry& entry : entries) {
         if (entry.isUsable()) {
             Json asked = fieldsOf(entry.profile(true, true));
             asked.update(arguments.fields());
@@ -101,7 +100,7 @@ void tell(Stage& stage, const Decision& decision) {
     stage.document()["decision"] = std::move(record);
     stage.conclude({.failures = decision.failures()}, decision.isDone(), decision.refusal());
     if (isSeen) {
-        stage.skipChanges();
+        stage.takeChanges();
     }
 }
 
@@ -132,14 +131,14 @@ void decide(Stage& stage, const Arguments& arguments, const Purpose& purpose, Ca
 }
 
 void attach(Stage& stage, const Arguments& arguments) {
-    decide(stage, arguments, {"LTE attach", Purpose::Of::Attach, 0, true}, [&](const auto& asked) {
+    decide(stage, arguments, {"LTE attach", &Operator::attachEntry, true}, [&](const auto& asked) {
         return stage.policies.findOrCreateProfileForLteAttach(asked.front());
     });
 }
 
 void matchAttach(Stage& stage, const Arguments& arguments) {
     const int index = stage.profileOf(arguments.word(), vela::TechType::TECH_3GPP).index;
-    decide(stage, arguments, {"LTE attach with a given profile", Purpose::Of::Attach},
+    decide(stage, arguments, {"LTE attach with a given profile", &Operator::attachEntry},
            [&](const auto& asked) {
                const bool matches = stage.policies.matchLteAttachProfileId(index, asked.front());
                stage.story().line(matches ? "yes" : "no");
@@ -152,16 +151,13 @@ void dataCall(Stage& stage, const Arguments& arguments) {
     const vela::ProfileParams given = paramsOf(arguments.fields());
     const unsigned int types =
         given.hasApnTypesMask() ? given.getApnTypesMask() : toMask(vela::ApnTypes::DEFAULT);
-    decide(stage, arguments, {"data call", Purpose::Of::Types, types, true},
-           [&](const auto& asked) {
-               return stage.policies.findOrCreateProfileForSetupDataCall(arguments.tech(),
-                                                                         asked.front());
-           });
+    decide(stage, arguments, {"data call", ofTypes(types), true}, [&](const auto& asked) {
+        return stage.policies.findOrCreateProfileForSetupDataCall(arguments.tech(), asked.front());
+    });
 }
 
 void emergency(Stage& stage, const Arguments& arguments) {
-    decide(stage, arguments,
-           {"emergency call", Purpose::Of::Types, toMask(vela::ApnTypes::EMERGENCY), true},
+    decide(stage, arguments, {"emergency call", ofTypes(toMask(vela::ApnTypes::EMERGENCY)), true},
            [&](const auto& asked) {
                return stage.policies.findOrCreateProfileForEmergencyDataCall(asked.front());
            });
@@ -214,7 +210,7 @@ void provision(Stage& stage, const Arguments& arguments) {
     } else {
         failure = provisionOne(stage.details(), stage.workbench(), operatorIn(file, arguments),
                                file, isExplained);
-        stage.skipChanges();
+        stage.takeChanges();
     }
     stage.conclude({}, failure.empty(), failure);
 }
@@ -224,6 +220,7 @@ void provision(Stage& stage, const Arguments& arguments) {
 Operations policyOperations() {
     constexpr unsigned kRequest = kFields | kOperator | kUpdate;
     return {
+        sectionOf("Policies"),
         {"provision", "bring the modem in line with an operator's entries", provision,
          kOperator | kProvision, kEverywhere, checkProvision},
         {"attach [KEY]", "find or create the profile for the LTE attach", attach, kRequest,

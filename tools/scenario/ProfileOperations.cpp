@@ -1,15 +1,80 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
-// What the radio software does: operations of the library's clients on single profiles.
+// What shows something and changes nothing, and what the radio software does with single profiles.
 #include "profiles/ProfileField.h"
-#include "profiles/Text.h"
-#include "profiles/Words.h"
+#include "profiles/ToolError.h"
 #include "scenario/Operation.h"
 #include "scenario/Stage.h"
 
 namespace velactl {
 
 namespace {
+
+/** Tells of profiles under a heading, and in the document under a key. */
+void tell(Stage& stage, const std::string& heading, const char* key,
+          const ProfileRecords& records) {
+    stage.story().profiles(heading, records);
+    stage.document()[key] = stage.story().toJson(records);
+}
+
+void list(Stage& stage, const Arguments& arguments) {
+    tell(stage,
+         "Profiles of modem instance " + std::to_string(stage.options().modem.instance) + ':',
+         "profiles", stage.workbench().libraryProfiles(arguments.filter()));
+}
+
+void show(Stage& stage, const Arguments& arguments) {
+    Workbench& bench = stage.workbench();
+    Output& output = stage.story();
+    if (arguments.words.empty()) {
+        tell(stage, "The modem:", "modem", bench.modemProfiles());
+        return stage.isRefreshing
+                   ? output.line("The library: answers nothing until refresh completed")
+                   : tell(stage, "The library:", "library", bench.libraryProfiles());
+    }
+    const KeyName profile = stage.profileOf(arguments.word(), arguments.tech());
+    const ProfileRecords all = bench.libraryProfiles();
+    const ProfileRecord* record = findRecord(all, profile.tech, profile.index);
+    if (record == nullptr) {
+        bench.find(profile.tech, profile.index);  // says why there is none
+        throw refused("profile " + arguments.word() + " has come only now; ask again");
+    }
+    output.line(title(*record) + ':');
+    Names keys;
+    Names values;
+    const Json shown = shownFields(record->fields);
+    for (const ProfileField& field : profileFields()) {
+        if (shown.contains(field.key)) {
+            keys.emplace_back(field.key);
+            values.push_back(valueText(field, field.of(shown), output.showSecrets()));
+        }
+    }
+    Table table;
+    table.add("FIELD", std::move(keys));
+    table.add("VALUE", std::move(values));
+    output.table(table);
+    stage.document().update(toJson(*record, output.showSecrets()));
+}
+
+void dump(Stage& stage, const Arguments& /*arguments*/) {
+    Json& lines = stage.document()["lines"] = Json::array();
+    for (const std::string& line : stage.manager().dump()) {
+        const std::string shown = stage.showSecrets() ? line : withoutPassword(line);
+        stage.story().line(printable(shown));
+        lines.push_back(shown);
+    }
+}
+
+void keys(Stage& stage, const Arguments& /*arguments*/) {
+    for (const std::string& name : stage.keyNames()) {
+        stage.story().line(name + " is " + stage.held(name).key->dump());
+        stage.document()["keys"].push_back(name);
+    }
+}
+
+void say(Stage& stage, const Arguments& arguments) {
+    stage.story().line(printable(join(arguments.words, " ")));
+}
 
 /** Tells of a key, which may be empty, and holds it. The release of the key that had the name is no
  * part of the operation. */
@@ -129,8 +194,8 @@ void refresh(Stage& stage, const Arguments& arguments) {
 void init(Stage& stage, const Arguments& arguments) {
     const auto instance =
         static_cast<int>(arguments.number("--instance", stage.options().modem.instance));
-    const std::string failure = stage.workbench().init(instance);
-    stage.skipChanges();
+    const std::string failure = stage.workbench().connect(instance).failure;
+    stage.takeChanges();
     stage.conclude(failure.empty(),
                    failure.empty() ? "initialised for modem instance " + std::to_string(instance)
                                    : "the modem does not answer: " + failure);
@@ -139,7 +204,19 @@ void init(Stage& stage, const Arguments& arguments) {
 }  // namespace
 
 Operations profileOperations() {
+    constexpr unsigned kLook = kEverywhere | kLooking;
     return {
+        sectionOf("Looking"),
+        {"list", "the profiles, as the library sees them", list, kTech, kLook},
+        {"show [KEY|ID]",
+         "one profile, field by field; without a word the modem's table and the library's", show,
+         kTech, kLook},
+        {"dump", "the library's own dump: cache, expected indications, log", dump, kNoOptions,
+         kLook},
+        {"keys", "the keys that are held", keys},
+        {"say [TEXT...]", "tell the reader", say, kFreeText},
+
+        sectionOf("Profiles"),
         {"add [KEY]", "create a profile and hold its key", add, kFields | kTech | kLifetime,
          kEverywhere, checkAdd},
         {"find [KEY]", "hold the key of the first profile that the library finds", find,

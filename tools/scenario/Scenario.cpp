@@ -1,14 +1,13 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
-#include "scenario/Scenario.h"
-
+// Reads scenarios and plays them.
 #include <algorithm>
 #include <chrono>
-#include <filesystem>
 #include <fstream>
 #include <utility>
 
-#include "profiles/ToolError.h"
+#include "scenario/Operation.h"
+#include "scenario/Stage.h"
 
 namespace velactl {
 
@@ -46,18 +45,6 @@ void writeReport(const std::string& path, std::size_t count, std::size_t failure
     }
 }
 
-/** A report over a scenario that it tells of is easily asked for: by leaving out its name. */
-void checkReport(const Arguments& arguments) {
-    const std::string report = arguments.text("--junit");
-    for (const std::string& file : arguments.words) {
-        std::error_code error;
-        if (file == report || std::filesystem::equivalent(file, report, error)) {
-            throw badUsage("--junit: " + inQuotes(report) +
-                           " is a scenario to be played; name a file for the report");
-        }
-    }
-}
-
 /** Takes the step's failure. */
 template <typename Step>
 void attempt(Json& story, Step step) {
@@ -71,6 +58,26 @@ void attempt(Json& story, Step step) {
     }
 }
 
+/** Adds the document of each statement to `played`. Throws ToolError that names the line. */
+void play(const Scenario& scenario, Stage& stage, Json& played) {
+    for (const auto& [line, text, statement] : scenario.steps) {
+        if (statement.operation().name() != "say") {
+            stage.details().line("> " + shownStatement(text, stage.showSecrets()));
+        }
+        const auto keep = [&, number = line](Exit status, const std::string& error) {
+            played.push_back(stage.takeDocument(status, error));
+            played.back()["line"] = number;
+        };
+        try {
+            statement.play(stage);
+            keep(stage.refusal().empty() ? Exit::Done : Exit::Refused, stage.refusal());
+        } catch (const ToolError& error) {
+            keep(error.status(), error.what());
+            throw atLine(scenario.name, line, error);
+        }
+    }
+}
+
 /** Plays a file in a stage of its own; returns what became of it. */
 Json playFile(const Setting& outer, const Arguments& arguments, const std::string& file) {
     constexpr std::size_t kMaxFile = 1U << 20U;
@@ -81,8 +88,8 @@ Json playFile(const Setting& outer, const Arguments& arguments, const std::strin
     Stage stage({outer.modem, outer.form, outer.story, details, outer.err});
     attempt(story, [&] {
         const Scenario scenario(readText(file, kMaxFile, "a scenario"), file);
-        story["statements"] = scenario.size();
-        scenario.play(stage, story["played"]);
+        story["statements"] = scenario.steps.size();
+        play(scenario, stage, story["played"]);
     });
     if (arguments.has("--journal") && story["statements"] != 0) {
         attempt(story, [&] {
@@ -150,29 +157,11 @@ Scenario::Scenario(std::string_view text, std::string scenarioName)
     }
 }
 
-void Scenario::play(Stage& stage, Json& played) const {
-    for (const Step& step : steps) {
-        if (step.statement.operation().name() != "say") {
-            stage.details().line("> " + shownStatement(step.text, stage.showSecrets()));
-        }
-        const auto keep = [&](Exit status, const std::string& error) {
-            played.push_back(stage.takeDocument(status, error));
-            played.back()["line"] = step.line;
-        };
-        try {
-            step.statement.play(stage);
-            keep(stage.refusal().empty() ? Exit::Done : Exit::Refused, stage.refusal());
-        } catch (const ToolError& error) {
-            keep(error.status(), error.what());
-            throw atLine(name, step.line, error);
-        }
-    }
-}
-
 Operations playOperations() {
     return {
+        sectionOf("Scenarios"),
         {"run FILE [FILE...]", "play scenarios, each on a modem of its own", run, kSeed | kPlaying,
-         kVerb, checkReport},
+         kVerb},
         {"shell", "a prompt for the statements of scenarios", runShell, kSeed, kVerb},
     };
 }

@@ -1,6 +1,5 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
-#include <fcntl.h>
 #include <histedit.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -12,8 +11,7 @@
 #include <iostream>
 #include <optional>
 
-#include "profiles/ToolError.h"
-#include "scenario/Help.h"
+#include "scenario/Operation.h"
 #include "scenario/Stage.h"
 
 namespace velactl {
@@ -29,22 +27,38 @@ std::string historyFile() {
     const auto state = folder("XDG_STATE_HOME");
     const auto place = (state.empty() ? folder("HOME") / ".local/state" : state) / "velactl";
     std::error_code error;
-    if (place.is_relative() || (std::filesystem::create_directories(place, error), error)) {
+    std::filesystem::create_directories(place.is_absolute() ? place : "", error);
+    return error ? "" : place / "history";
+}
+
+/** None for a line that makes no sense. */
+Names candidates(Stage& stage, const std::string& typed) {
+    try {
+        return completionsOf(typed, [&stage](const std::string& placeholder) {
+            return placeholder == "KEY"
+                       ? stage.keyNames()
+                       : namesIn(stage.workbench().modemProfiles(),
+                                 [](auto& each) { return std::to_string(each.index); });
+        });
+    } catch (const ToolError&) {
         return {};
     }
-    return place / "history";
 }
 
 /** Lines from a terminal, with completion and a history that is kept between runs. */
 class LineEditor {
   public:
-    explicit LineEditor(Stage& stage) : stage(stage) {
+    explicit LineEditor(Stage& stage) {
         constexpr int kHistoryLines = 1000;
         ::history(past, &event, H_SETSIZE, kHistoryLines);
         ::history(past, &event, H_SETUNIQUE, 1);
         ::history(past, &event, H_LOAD, historyFile().c_str());
-        ::el_set(line, EL_CLIENTDATA, this);
-        ::el_set(line, EL_PROMPT, &prompt);
+        ::el_set(line, EL_CLIENTDATA, &stage);
+        ::el_set(
+            line, EL_PROMPT, +[](EditLine*) -> char* {
+                static char text[] = "velactl> ";
+                return text;
+            });
         ::el_set(line, EL_EDITOR, "emacs");
         ::el_set(line, EL_HIST, ::history, past);
         // Wide: of other names it makes copies that are never freed.
@@ -58,12 +72,8 @@ class LineEditor {
     LineEditor& operator=(const LineEditor&) = delete;
     /** Nobody else may read what was typed, from the file's first byte on. */
     ~LineEditor() {
-        const std::string file = historyFile();
-        const int fd = ::open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
-        if (fd >= 0 && ::fchmod(fd, S_IRUSR | S_IWUSR) == 0) {
-            ::history(past, &event, H_SAVE, file.c_str());
-        }
-        ::close(fd);
+        ::umask(S_IRWXG | S_IRWXO);
+        ::history(past, &event, H_SAVE, historyFile().c_str());
         ::el_end(line);
         ::history_end(past);
     }
@@ -79,33 +89,13 @@ class LineEditor {
     void remember(const std::string& text) { ::history(past, &event, H_ENTER, text.c_str()); }
 
   private:
-    /** It takes the letters of the terminal's character set only with its locale; numbers stay as
-     * they are. */
-    static EditLine* open() {
-        std::setlocale(LC_CTYPE, "");
-        return ::el_init("velactl", stdin, stdout, stderr);
-    }
-
-    static char* prompt(EditLine* /*line*/) {
-        static char text[] = "velactl> ";
-        return text;
-    }
-
-    static unsigned char complete(EditLine* line, int /*key*/) {
-        const LineInfo* info = ::el_line(line);
-        void* self = nullptr;
-        ::el_get(line, EL_CLIENTDATA, &self);
-        try {
-            return static_cast<LineEditor*>(self)->completeTyped({info->buffer, info->cursor});
-        } catch (const ToolError&) {
-            return CC_ERROR;  // what is typed makes no sense
-        }
-    }
-
     /** Completes as far as all candidates agree; lists them when they do not. */
-    unsigned char completeTyped(const std::string& typed) {
-        const Names fitting = completionsOf(
-            typed, [this](const std::string& placeholder) { return present(placeholder); });
+    static unsigned char complete(EditLine* line, int /*key*/) {
+        void* stage = nullptr;
+        ::el_get(line, EL_CLIENTDATA, &stage);
+        const LineInfo* info = ::el_line(line);
+        const std::string typed(info->buffer, info->cursor);
+        const Names fitting = candidates(*static_cast<Stage*>(stage), typed);
         if (fitting.empty()) {
             return CC_ERROR;
         }
@@ -124,15 +114,7 @@ class LineEditor {
         return CC_REDISPLAY;
     }
 
-    Names present(const std::string& placeholder) {
-        return placeholder == "KEY" ? stage.keyNames()
-                                    : namesIn(stage.workbench().modemProfiles(), [](auto& each) {
-                                          return std::to_string(each.index);
-                                      });
-    }
-
-    Stage& stage;
-    EditLine* const line = open();
+    EditLine* const line = ::el_init("velactl", stdin, stdout, stderr);
     History* const past = ::history_init();
     HistEvent event{};
 };
@@ -164,6 +146,8 @@ void runShell(Stage& stage, const Arguments& /*arguments*/) {
     }
     std::optional<LineEditor> editor;
     if (::isatty(STDIN_FILENO) != 0) {
+        // The letters of the terminal's character set; numbers stay as they are.
+        std::setlocale(LC_CTYPE, "");
         editor.emplace(stage);
         stage.story().line("A modem with the library connected. help tells the statements.");
     }

@@ -26,26 +26,18 @@ Technology technologyOf(vela::TechType tech) {
     return tech == vela::TechType::TECH_3GPP2 ? Technology::ThreeGpp2 : Technology::ThreeGpp;
 }
 
-/** A setting's value, and what asks for it. */
-struct Assignment {
-    std::string setting;
-    std::string value;
-    std::string asker;
-};
-
-/** Those of the fields, and those of the words from one on: "setting=value". */
-std::vector<Assignment> assignmentsOf(const Arguments& arguments, std::size_t firstWord,
-                                      vela::TechType tech) {
-    std::vector<Assignment> list;
+/** What the fields and the words from one on, "setting=value", ask for; a word prevails. */
+velasim::Settings settingsFrom(const Arguments& arguments, std::size_t firstWord,
+                               vela::TechType tech) {
+    velasim::Settings settings{};
     const Json given = arguments.fields();
     requireKept(given, tech);
     for (const ProfileField& field : profileFields()) {
         const Json value = field.of(given);
         for (const ModemSetting& setting : field.settings) {
             if (!value.is_null() && !setting.name(tech).empty()) {
-                list.push_back({setting.name(tech),
-                                value.is_string() ? value : Json(valueText(field, value, true)),
-                                field.option()});
+                setSetting(settings, setting.name(tech),
+                           value.is_string() ? value : Json(valueText(field, value, true)));
             }
         }
     }
@@ -53,29 +45,14 @@ std::vector<Assignment> assignmentsOf(const Arguments& arguments, std::size_t fi
     for (std::size_t i = firstWord; i < arguments.words.size(); ++i) {
         const std::string& word = arguments.words[i];
         const std::string name = word.substr(0, word.find('='));
-        if (name == word || std::find(names.begin(), names.end(), name) == names.end()) {
+        if (name == word || std::ranges::count(names, name) == 0) {
             throw badUsage(inQuotes(name) + " is no setting=value; the settings are " +
                            alternatives(names));
         }
-        list.push_back({name, word.substr(name.size() + 1), name + '='});
-    }
-    return list;
-}
-
-velasim::Settings settingsFrom(const Arguments& arguments, std::size_t firstWord,
-                               vela::TechType tech) {
-    velasim::Settings settings{};
-    std::map<std::string, std::string> askers;
-    for (const auto& [name, value, asker] : assignmentsOf(arguments, firstWord, tech)) {
+        const std::string value = word.substr(name.size() + 1);
         if (!setSetting(settings, name, value)) {
-            const std::string word = name + '=' + value;
             throw badUsage((withoutSecret(word) == word ? inQuotes(value) : "the text") +
                            " does not fit into " + name);
-        }
-        const auto [earlier, isFirst] = askers.emplace(name, asker);
-        if (!isFirst) {
-            throw badUsage(earlier->second + " and " + asker + " both set " + name +
-                           "; give one of them");
         }
     }
     return settings;
@@ -92,11 +69,9 @@ void foreignCreate(Stage& stage, const Arguments& arguments) {
     stage.details().line("someone else has created profile " + std::to_string(*index));
 }
 
-void checkForeignModify(const Arguments& arguments) {
-    settingsFrom(arguments, 1, arguments.tech());
-    if (arguments.words.size() == 1 && arguments.fields().empty()) {
-        throw badUsage("foreign modify: nothing is given; give at least one field or setting");
-    }
+template <std::size_t firstWord>
+void checkSettings(const Arguments& arguments) {
+    settingsFrom(arguments, firstWord, arguments.tech());
 }
 
 /** On the profile that the first word means, which somebody else sees in the modem's table and not
@@ -127,13 +102,12 @@ void announce(Stage& stage, const Arguments& /*arguments*/) {
     (modem.simulator().*act)(modem.instance(), Technology::ThreeGpp, 0);
 }
 
+template <bool isHeld>
 void hold(Stage& stage, const Arguments& /*arguments*/) {
-    simulatedModem(stage).holdDeliveries(true);
-}
-
-void release(Stage& stage, const Arguments& /*arguments*/) {
-    simulatedModem(stage).holdDeliveries(false);
-    simulatedModem(stage).simulator().releaseDelayed();
+    simulatedModem(stage).holdDeliveries(isHeld);
+    if (!isHeld) {
+        simulatedModem(stage).simulator().releaseDelayed();
+    }
 }
 
 void deliver(Stage& stage, const Arguments& /*arguments*/) {
@@ -145,15 +119,16 @@ void deliver(Stage& stage, const Arguments& /*arguments*/) {
 void journal(Stage& stage, const Arguments& /*arguments*/) {
     const auto entries = simulatedModem(stage).simulator().journal().snapshot();
     Json& lines = stage.document()["journal"] = Json::array();
+    const auto tell = [&](const std::string& line) {
+        lines.push_back(line);
+        stage.story().line("  " + line);
+    };
     if (!entries.empty() && entries.front().sequence > 1) {
-        lines.push_back("the first " + counted(entries.front().sequence - 1, "entry") +
-                        " are gone: the journal is limited");
+        tell("the first " + counted(entries.front().sequence - 1, "entry") +
+             " are gone: the journal is limited");
     }
     for (const velasim::JournalEntry& entry : entries) {
-        lines.push_back(printable(entry.line()));
-    }
-    for (const Json& line : lines) {
-        stage.story().line("  " + line.get<std::string>());
+        tell(printable(entry.line()));
     }
 }
 
@@ -248,14 +223,14 @@ Names valuesOf(const std::string& placeholder) {
                                       : Names();
 }
 
-Operations modemOperations() {
+Operations simulatorOperations() {
     constexpr unsigned kProfile = kFields | kTech;
     return {
+        sectionOf("The modem, and others"),
         {"foreign create [SETTING...]", "someone else creates a profile", foreignCreate, kProfile,
-         kStatement,
-         [](const Arguments& arguments) { settingsFrom(arguments, 0, arguments.tech()); }},
+         kStatement, checkSettings<0>},
         {"foreign modify KEY|ID [SETTING...]", "someone else changes a profile",
-         foreignChange<false>, kProfile, kStatement, checkForeignModify},
+         foreignChange<false>, kProfile, kStatement, checkSettings<1>},
         {"foreign delete KEY|ID", "someone else deletes a profile", foreignChange<true>, kTech},
         {"subscription-change", "the modem reports another subscription",
          announce<&Simulator::subscriptionChange>},
@@ -265,15 +240,12 @@ Operations modemOperations() {
          simulate<&Simulator::restart>},
         {"service down", "the modem's data service goes away", simulate<&Simulator::serviceDown>},
         {"service up", "the modem's data service comes back", simulate<&Simulator::serviceUp>},
-        {"hold", "let callbacks of the messaging library wait", hold},
+        {"hold", "let callbacks of the messaging library wait", hold<true>},
         {"deliver", "make the oldest of those that wait", deliver},
-        {"release", "make all, and hold no longer", release},
+        {"release", "make all, and hold no longer", hold<false>},
         {"journal", "all that crossed between library and modem", journal},
-    };
-}
 
-Operations faultOperations() {
-    return {
+        sectionOf("Faults"),
         {"fault FAULT", "something goes wrong: by default once, at the next occasion", fault, kRule,
          kStatement, [](const Arguments& arguments) { ruleOf(arguments); }},
         {"no-faults", "nothing goes wrong any more",

@@ -20,15 +20,16 @@ Workbench& Stage::workbench() {
 
 void Stage::begin(const std::string& operation) {
     reason.clear();
-    document() = {{"operation", operation}};
+    if (!setting.isVerb) {
+        document() = {{"operation", Json()}, {"status", 0}, {"error", Json()}};
+    }
+    document()["operation"] = operation;
 }
 
 Json Stage::takeDocument(Exit status, const std::string& error) {
-    Json whole = {{"operation", document().value("operation", "")},
-                  {"status", static_cast<int>(status)},
-                  {"error", error.empty() ? Json() : Json(error)}};
-    whole.update(std::exchange(document(), Json::object()));
-    return whole;
+    document()["status"] = static_cast<int>(status);
+    document()["error"] = error.empty() ? Json() : Json(error);
+    return std::exchange(document(), Json::object());
 }
 
 void Stage::hold(const std::string& name, Key key) {
@@ -107,25 +108,22 @@ void Stage::tellChanges(const char* key, const char* heading) {
     if (!bench || (isRefreshing && !bench->modem().modemProfiles())) {
         return;
     }
-    const ProfileRecords now = bench->modemProfiles();
-    const auto changes = changesBetween(std::exchange(last, now), now, showSecrets());
+    const Json changes = takeChanges();
     if (changes.empty()) {
         return;
     }
-    hasChanged = true;
     if (heading != nullptr) {
         details().line(heading);
     }
     details().changes(changes);
-    for (const Json& change : changes) {
-        document()[key].push_back(change);
-    }
+    std::ranges::copy(changes, std::back_inserter(document()[key]));
 }
 
-void Stage::skipChanges() {
-    ProfileRecords now = workbench().modemProfiles();
-    hasChanged = hasChanged || !changesBetween(last, now, true).empty();
-    last = std::move(now);
+Json Stage::takeChanges() {
+    const ProfileRecords now = workbench().modemProfiles();
+    Json changes = changesBetween(std::exchange(last, now), now, showSecrets());
+    hasChanged = hasChanged || !changes.empty();
+    return changes;
 }
 
 void Stage::settle() {

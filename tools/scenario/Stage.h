@@ -109,8 +109,8 @@ class Stage {
      * has changed in the modem. */
     void settle();
 
-    /** Somebody else has told what has changed so far. */
-    void skipChanges();
+    /** What has changed in the modem since the last call; whoever takes it tells it. */
+    Json takeChanges();
 
     /** Tells whether library and modem agree, where both can be seen; false when they do not. */
     bool tellAgreement();

@@ -14,10 +14,8 @@ namespace velactl {
 
 namespace {
 
-constexpr int kSchema = 1;
-
-bool isAmong(const Names& words, const std::string& option) {
-    return std::find(words.begin(), words.end(), option) != words.end();
+bool isAmong(const Names& words, const char* option) {
+    return std::ranges::count(words, option) != 0;
 }
 
 /** The words of a verb's statement, which begin with the verb wherever it stands; of a line that
@@ -46,17 +44,14 @@ ScenarioWords statementOf(const Names& given) {
 
 ModemOptions modemOf(const Statement& statement, Output& output) {
     const Arguments& given = statement.given();
-    ModemOptions modem;
-    modem.file = given.text("--modem");
-    modem.instance = static_cast<int>(given.number("--instance", 0));
-    if (given.has("--capacity")) {
-        modem.capacity = static_cast<unsigned>(given.number("--capacity", 0));
-    }
-    modem.looksOnly = (statement.operation().places & kLooking) != 0;
-    modem.wait = static_cast<int>(given.number("--wait", modem.wait));
-    modem.seed = static_cast<std::uint64_t>(given.number("--seed", 1));
-    modem.note = [&output](const std::string& text) { output.note(text); };
-    return modem;
+    const auto capacity = static_cast<unsigned>(given.number("--capacity", 0));
+    return {.file = given.text("--modem"),
+            .instance = static_cast<int>(given.number("--instance", 0)),
+            .capacity = given.has("--capacity") ? std::optional(capacity) : std::nullopt,
+            .looksOnly = (statement.operation().places & kLooking) != 0,
+            .wait = static_cast<int>(given.number("--wait", ModemOptions().wait)),
+            .seed = static_cast<std::uint64_t>(given.number("--seed", 1)),
+            .note = [&output](const std::string& text) { output.note(text); }};
 }
 
 /** Plays a verb, which is a statement run once. Throws ToolError when it was refused. */
@@ -88,26 +83,14 @@ void play(const Statement& statement, Output& output, const OutputOptions& form,
     }
 }
 
-/** The one document of a run. */
-void finish(Output& output, const std::string& verb, Exit status, const std::string& error) {
-    Json document{{"schema", kSchema},
-                  {"operation", verb.empty() ? Json() : Json(verb)},
-                  {"status", static_cast<int>(status)},
-                  {"error", error.empty() ? Json() : Json(error)}};
-    Json fields = std::exchange(output.document(), Json());
-    fields.erase("operation");
-    document.update(fields);
-    output.document() = std::move(document);
-    output.finish();
-}
-
 }  // namespace
 
 int runVelactl(const Names& arguments, const Streams& streams) {
     OutputOptions form;
     Output output(streams.out, streams.err, form);
+    Json& document = output.document();
+    document = {{"schema", 1}, {"operation", Json()}, {"status", 0}, {"error", Json()}};
     Exit status = Exit::Done;
-    std::string verb;
     std::string error;
     // First, so that a line that makes no sense is told in the form that it asks for.
     form.json = isAmong(arguments, "--json");
@@ -116,24 +99,24 @@ int runVelactl(const Names& arguments, const Streams& streams) {
     try {
         if (isAmong(arguments, "--version")) {
             output.line(std::string("velactl ") + VELACTL_VERSION);
-            output.document()["text"] = std::string("velactl ") + VELACTL_VERSION + '\n';
+            document["text"] = std::string("velactl ") + VELACTL_VERSION + '\n';
         } else {
             const ScenarioWords words = statementOf(arguments);
-            verb = words.front().text;
+            document["operation"] = words.front().text;
             const Statement statement(words, kVerb);
             if (statement.given().has("--columns")) {
                 form.columns = readColumns("--columns", statement.given().text("--columns"));
             }
             play(statement, output, form, streams);
         }
-    } catch (const ToolError& failure) {
-        status = failure.status();
-        error = failure.what();
     } catch (const std::exception& failure) {
-        status = Exit::Refused;
+        const auto* own = dynamic_cast<const ToolError*>(&failure);
+        status = own != nullptr ? own->status() : Exit::Refused;
         error = failure.what();
     }
-    finish(output, verb, status, error);
+    document["status"] = static_cast<int>(status);
+    document["error"] = error.empty() ? Json() : Json(error);
+    output.finish();
     if (!error.empty()) {
         output.note(error);
     }

@@ -14,12 +14,8 @@ namespace {
 /** Gives the standard descriptors that came closed to something that takes no data, so that no file
  * opened later gets their numbers, and the output with them. */
 void fillStandardDescriptors() {
-    int fd = 0;
-    do {
-        fd = open("/dev/null", O_RDONLY);
-    } while (fd >= 0 && fd <= STDERR_FILENO);
-    if (fd >= 0) {
-        close(fd);
+    for (int fd = 0; fd >= 0 && fd <= STDERR_FILENO;) {
+        fd = open("/dev/null", O_RDONLY | O_CLOEXEC);
     }
 }
 
