@@ -19,13 +19,12 @@ namespace {
 using velasim::Technology;
 
 velasim::SimulatorOptions simulatorOptions(const ModemOptions& options, std::size_t modems) {
-    velasim::SimulatorOptions result;
-    result.instances = std::max<unsigned>({result.instances, static_cast<unsigned>(modems),
-                                           static_cast<unsigned>(options.instance) + 1U});
-    result.delivery = velasim::DeliveryMode::Stepped;  // so that each run is like the last
-    result.seed = options.seed;
-    result.capacity = options.capacity.value_or(result.capacity);
-    return result;
+    const velasim::SimulatorOptions usual;
+    return {.instances = std::max<unsigned>({usual.instances, static_cast<unsigned>(modems),
+                                             static_cast<unsigned>(options.instance) + 1U}),
+            .capacity = options.capacity.value_or(usual.capacity),
+            .delivery = velasim::DeliveryMode::Stepped,  // so that each run is like the last
+            .seed = options.seed};
 }
 
 /** Refuses a capacity that the modem's tables do not fit into. */
@@ -39,12 +38,6 @@ void checkCapacity(const ModemOptions& options, const velasim::Snapshot::ModemIm
             }
         }
     }
-}
-
-/** A line without the tag that the diagnostic log puts before it. */
-std::string_view withoutTag(std::string_view line) {
-    constexpr std::string_view kTag = "|VELA| ";
-    return line.substr(line.starts_with(kTag) ? kTag.size() : 0);
 }
 
 /** What a stored profile says, by the table of fields and without the library, so that comparing it
@@ -95,6 +88,7 @@ bool setSetting(velasim::Settings& settings, const std::string& name, const std:
 }
 
 SimulatedModem::SimulatedModem(const ModemOptions& given) : options(given) {
+    options.looksOnly = options.looksOnly && !options.capacity;  // which is kept
     velasim::Snapshot memory = load();
     const auto own = static_cast<std::size_t>(options.instance);
     bool isResized = false;
@@ -110,8 +104,11 @@ SimulatedModem::SimulatedModem(const ModemOptions& given) : options(given) {
     }
     savedMemory = isNew || isResized ? "" : sim->snapshot().toJson();
     if (options.log) {
-        velasim::DiagLog::instance().setSink(
-            [this](const velasim::DiagLog::Line& line) { options.log(withoutTag(line.text)); });
+        velasim::DiagLog::instance().setSink([this](const velasim::DiagLog::Line& line) {
+            constexpr std::string_view kTag = "|VELA| ";
+            const std::string_view text = line.text;
+            options.log(text.substr(text.starts_with(kTag) ? kTag.size() : 0));
+        });
     }
 }
 
@@ -128,12 +125,12 @@ velasim::Snapshot SimulatedModem::load() {
     }
     file.emplace(options.file);
     const std::string error =
-        file->open(looksOnly() ? Use::Look : Use::Change, std::chrono::seconds(options.wait));
+        file->open(options.looksOnly ? Use::Look : Use::Change, std::chrono::seconds(options.wait));
     if (!error.empty()) {
         throw refused(error + (file->isBusy() ? "; --wait SECONDS waits longer" : ""));
     }
     if (file->isNew()) {
-        isNew = !looksOnly();
+        isNew = !options.looksOnly;
         return {};
     }
     velasim::SnapshotResult result = file->load();
@@ -174,7 +171,7 @@ std::string SimulatedModem::errorName(std::uint32_t error) const {
 void SimulatedModem::save() {
     const velasim::Snapshot memory = sim->snapshot();
     std::string text = memory.toJson();
-    if (options.file.empty() || looksOnly() || text == savedMemory) {
+    if (options.file.empty() || options.looksOnly || text == savedMemory) {
         return;
     }
     const std::string error = file->save(memory);

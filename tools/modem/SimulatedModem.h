@@ -40,9 +40,6 @@ class SimulatedModem : public Backend {
     int instance() const { return options.instance; }
 
   private:
-    /** A capacity that is given is kept. */
-    bool looksOnly() const { return options.looksOnly && !options.capacity; }
-
     /** Locks the file and reads it. */
     velasim::Snapshot load();
 

@@ -16,16 +16,6 @@ namespace {
 
 using enum vela::ModemMessageType;
 
-constexpr MessageWords kMessages[] = {
-    {CreateProfile, "create_profile", "create a profile", "create", 2},  // and its first change
-    {ModifyProfile, "modify_profile", "change a profile", "modify", 1},
-    {DeleteProfile, "delete_profile", "delete a profile", "delete", 1},
-    {ListProfiles, "list_profiles", "list the profiles", "list"},
-    {ReadProfile, "read_profile", "read a profile", "read"},
-    {BindSubscription, "bind_subscription", "bind to the subscription", "bind"},
-    {RegisterIndications, "register_indications", "send indications", "register"},
-    {ConfigureEventList, "configure_event_list", "report changes of profiles", "event-list"},
-};
 constexpr MessageWords kUnknown{{}, "unknown", "do something", ""};
 
 /** Whether it asks for indications. */
@@ -33,18 +23,7 @@ bool isOfIndications(const vela::ModemMessage& message) {
     return message.type == RegisterIndications || message.type == ConfigureEventList;
 }
 
-/** Of a service that is not up. */
-std::string absence(std::optional<vela::ServiceState> service) {
-    return !service                               ? "its service has not come up"
-           : *service == vela::ServiceState::Down ? "its service has gone"
-                                                  : "the library could not connect to its service";
-}
-
 }  // namespace
-
-std::span<const MessageWords> allMessages() {
-    return kMessages;
-}
 
 const MessageWords& wordsOf(vela::ModemMessageType type) {
     const auto* found = std::find_if(std::begin(kMessages), std::end(kMessages),
@@ -107,7 +86,10 @@ Connection connectionOf(const Messages& messages, std::optional<vela::ServiceSta
         }
     }
     if (service != vela::ServiceState::Up) {
-        connection.failure = absence(service);
+        connection.failure = !service ? "its service has not come up"
+                             : *service == vela::ServiceState::Down
+                                 ? "its service has gone"
+                                 : "the library could not connect to its service";
     } else if (connection.failure.empty() && !isListed) {
         connection.failure = unlisted;
     }

@@ -12,7 +12,6 @@
 #include <functional>
 #include <mutex>
 #include <optional>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -28,12 +27,24 @@ struct MessageWords {
     const char* name;     // "create_profile"
     const char* purpose;  // "create a profile"
     const char* target;   // of a fault
-    /** How many the library expects once the modem has carried it out. */
+    /** How many the library expects once the modem has carried it out; of a creation also that
+     * of the first change. */
     int indications = 0;
 };
 
 /** Of all messages that the library sends. */
-std::span<const MessageWords> allMessages();
+using MessageType = vela::ModemMessageType;
+inline constexpr MessageWords kMessages[] = {
+    {MessageType::CreateProfile, "create_profile", "create a profile", "create", 2},
+    {MessageType::ModifyProfile, "modify_profile", "change a profile", "modify", 1},
+    {MessageType::DeleteProfile, "delete_profile", "delete a profile", "delete", 1},
+    {MessageType::ListProfiles, "list_profiles", "list the profiles", "list"},
+    {MessageType::ReadProfile, "read_profile", "read a profile", "read"},
+    {MessageType::BindSubscription, "bind_subscription", "bind to the subscription", "bind"},
+    {MessageType::RegisterIndications, "register_indications", "send indications", "register"},
+    {MessageType::ConfigureEventList, "configure_event_list", "report changes of profiles",
+     "event-list"},
+};
 const MessageWords& wordsOf(vela::ModemMessageType type);
 
 inline const char* nameOf(vela::ModemMessageType type) {

@@ -46,16 +46,6 @@ const Option& optionNamed(const std::vector<Option>& options, const std::string&
                                       : "did you mean " + inQuotes(nearest) + "?"));
 }
 
-/** An option is given once, and not with its opposite. */
-void checkOnce(const Arguments& arguments, const Option& option, const std::string& name) {
-    if (arguments.has(name)) {
-        throw badUsage(name + " is given twice");
-    }
-    if (arguments.has(option.name) || arguments.has(option.opposite)) {
-        throw badUsage(option.name + " and " + option.opposite + " exclude each other");
-    }
-}
-
 }  // namespace
 
 bool ScenarioWord::isOption() const {
@@ -92,10 +82,6 @@ ScenarioWords splitStatement(std::string_view line) {
         throw badUsage("a quoted word without its closing \"");
     }
     return words;
-}
-
-Names textsOf(const ScenarioWords& words) {
-    return namesIn(words, &ScenarioWord::text);
 }
 
 std::string shownStatement(const std::string& line, bool showSecrets) {
@@ -172,9 +158,14 @@ Arguments readArguments(const std::vector<Option>& options, const ScenarioWords&
         const bool hasValue = equals != std::string::npos;
         const std::string name = word->text.substr(0, equals);
         const Option& option = optionNamed(options, name);
-        checkOnce(arguments, option, name);
-        if (option.value.empty() && hasValue) {
-            throw badUsage(name + " takes no value");
+        const bool hasOpposite = arguments.has(option.name) || arguments.has(option.opposite);
+        const std::string error =
+            arguments.has(name) ? name + " is given twice"
+            : hasOpposite       ? option.name + " and " + option.opposite + " exclude each other"
+            : option.value.empty() && hasValue ? name + " takes no value"
+                                               : "";
+        if (!error.empty()) {
+            throw badUsage(error);
         }
         std::string value = hasValue ? word->text.substr(equals + 1) : "";
         if (!option.value.empty() && !hasValue) {

@@ -32,8 +32,6 @@ using ScenarioWords = std::vector<ScenarioWord>;
  */
 ScenarioWords splitStatement(std::string_view line);
 
-Names textsOf(const ScenarioWords& words);
-
 /** Such a line for people; its passwords masked unless `showSecrets`. */
 std::string shownStatement(const std::string& line, bool showSecrets);
 

@@ -38,9 +38,9 @@ void requireFields(const Json& wanted, const Json& actual) {
     require(texts.empty(), join(texts, ", "));
 }
 
-/** The profile that is meant, by the modem's or the library's table; empty: it is not there. */
-template <bool isOfModem>
-std::optional<ProfileRecord> recordOf(Stage& stage, const Arguments& arguments) {
+/** By the modem's or the library's table. */
+template <bool isOfModem, bool isExpected>
+void record(Stage& stage, const Arguments& arguments) {
     if (!isOfModem) {
         requireAnswers(stage);
     }
@@ -48,15 +48,9 @@ std::optional<ProfileRecord> recordOf(Stage& stage, const Arguments& arguments) 
     const auto records = isOfModem ? bench.modemProfiles() : bench.libraryProfiles();
     const KeyName profile = stage.profileOf(arguments.word(), arguments.tech());
     const ProfileRecord* record = findRecord(records, profile.tech, profile.index);
-    return record == nullptr ? std::nullopt : std::optional(*record);
-}
-
-template <bool isOfModem, bool isExpected>
-void record(Stage& stage, const Arguments& arguments) {
-    const auto record = recordOf<isOfModem>(stage, arguments);
-    require(record.has_value() == isExpected,
-            "there is " + (record ? title(*record) : "no profile " + arguments.word()));
-    requireFields(arguments.fields(), record ? record->fields : Json::object());
+    require((record != nullptr) == isExpected,
+            "there is " + (record != nullptr ? title(*record) : "no profile " + arguments.word()));
+    requireFields(arguments.fields(), record != nullptr ? record->fields : Json::object());
 }
 
 /** Of things there are as many as the word at a place says. */

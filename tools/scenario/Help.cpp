@@ -86,15 +86,6 @@ std::string helpOfOne(const Operation& operation, unsigned place) {
     return text + helpOf(options);
 }
 
-/** For a terminal: of several usage and meaning of each, under its heading; of one also every
- * option. */
-std::string helpOf(const Operations& list, unsigned place) {
-    return list.size() == 1 ? helpOfOne(list.front(), place)
-                            : bySection(list, "", ":\n", [place](const Operation& operation) {
-                                  return entry(operation.usage(place), operation.help);
-                              });
-}
-
 /** Of all at that place, or of those that are named: on the command line also of statements. */
 std::string helpOn(const Arguments& given) {
     const bool isVerb = !operationsAt(given.place & kVerb, given.words).empty();
@@ -103,7 +94,12 @@ std::string helpOn(const Arguments& given) {
     if (named.empty()) {
         operationOf(given.place, given.words);  // says so
     }
-    const std::string text = helpOf(named, place) + (isVerb ? helpOf(optionsOf(kEveryVerb)) : "");
+    const auto line = [place](const Operation& each) {
+        return entry(each.usage(place), each.help);
+    };
+    const std::string text =
+        (named.size() == 1 ? helpOfOne(named.front(), place) : bySection(named, "", ":\n", line)) +
+        (isVerb ? helpOf(optionsOf(kEveryVerb)) : "");
     const std::string legend =
         "fields: --apn NAME and others, which add lists in its help.\n"
         "operator: --apns FILE --plmn MCCMNC [--mvno TYPE:DATA], whose entries take the\n"
@@ -200,7 +196,8 @@ Names completionsOf(const std::string& line, const Present& present) {
     const bool isHelp = !finished.empty() && finished.front().text == "help";
     finished.erase(finished.begin(), finished.begin() + (isHelp ? 1 : 0));
     Names candidates;
-    for (const Operation& operation : operationsAt(kShell, textsOf(finished))) {
+    for (const Operation& operation :
+         operationsAt(kShell, namesIn(finished, &ScenarioWord::text))) {
         const Names name = operation.nameWords();
         const Names next = name.size() > finished.size() ? Names{name[finished.size()]}
                            : isHelp                      ? Names()

@@ -158,10 +158,10 @@ Operation operationOf(unsigned place, const Names& words) {
 }
 
 Statement::Statement(const ScenarioWords& words, unsigned place)
-    : kind(operationOf(place, textsOf(words))) {
+    : kind(operationOf(place, namesIn(words, &ScenarioWord::text))) {
     const ScenarioWords given{std::next(words.begin(), std::ssize(kind.nameWords())), words.end()};
     if ((kind.options & kFreeText) != 0) {
-        arguments.words = textsOf(given);
+        arguments.words = namesIn(given, &ScenarioWord::text);
     } else {
         const unsigned groups = kind.options | (place == kVerb ? kEveryVerb : 0U);
         arguments = readArguments(optionsOf(groups), given);

@@ -139,7 +139,7 @@ using Targets = std::map<std::string, std::uint32_t>;
 /** What the fault can strike, by name; without one what any can. */
 Targets targetsOf(std::optional<Fault> fault = {}) {
     Targets targets{{"any", velasim::kAnyMessage}, {"foreign", velasim::kForeignChange}};
-    for (const MessageWords& message : allMessages()) {
+    for (const MessageWords& message : kMessages) {
         targets.emplace(message.target, static_cast<std::uint32_t>(message.type));
     }
     std::erase_if(targets, [fault](const auto& target) {
@@ -147,10 +147,6 @@ Targets targetsOf(std::optional<Fault> fault = {}) {
                !velasim::appliesTo(*fault, target.second);
     });
     return targets;
-}
-
-Names namesOf(const Targets& targets) {
-    return namesIn(targets, &Targets::value_type::first);
 }
 
 std::uint32_t targetNamed(const std::string& name, Fault fault) {
@@ -161,7 +157,7 @@ std::uint32_t targetNamed(const std::string& name, Fault fault) {
                        (targetsOf().count(name) == 0
                             ? " is none"
                             : " means nothing for " + velasim::toString(fault)) +
-                       "; use " + alternatives(namesOf(fitting)));
+                       "; use " + alternatives(namesIn(fitting, &Targets::value_type::first)));
     }
     return found->second;
 }
@@ -217,7 +213,7 @@ SimulatedModem& simulatedModem(Stage& stage) {
 Names valuesOf(const std::string& placeholder) {
     return placeholder == "FAULT"
                ? namesIn(velasim::allFaults(), [](Fault each) { return velasim::toString(each); })
-           : placeholder == "M"       ? namesOf(targetsOf())
+           : placeholder == "M"       ? namesIn(targetsOf(), &Targets::value_type::first)
            : placeholder == "SETTING" ? namesIn(velasim::fieldNames(Technology::ThreeGpp),
                                                 [](const auto& name) { return name + '='; })
                                       : Names();

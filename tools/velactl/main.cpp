@@ -11,14 +11,6 @@
 
 namespace {
 
-/** Gives the standard descriptors that came closed to something that takes no data, so that no file
- * opened later gets their numbers, and the output with them. */
-void fillStandardDescriptors() {
-    for (int fd = 0; fd >= 0 && fd <= STDERR_FILENO;) {
-        fd = open("/dev/null", O_RDONLY | O_CLOEXEC);
-    }
-}
-
 std::size_t columnsOf(int fd) {
     constexpr std::size_t kUsual = 80;
     winsize size{};
@@ -31,7 +23,11 @@ std::size_t columnsOf(int fd) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    fillStandardDescriptors();
+    // Standard descriptors that came closed get something that takes no data, so that no file
+    // opened later gets their numbers, and the output with them.
+    for (int fd = 0; fd >= 0 && fd <= STDERR_FILENO;) {
+        fd = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    }
     // Whoever reads the output may go away: the modem's memory is kept all the same.
     std::signal(SIGPIPE, SIG_IGN);
     return velactl::runVelactl(
