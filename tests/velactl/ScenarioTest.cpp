@@ -105,31 +105,18 @@ TEST_F(Scenarios, TellsNoPasswordInWhicheverWayItIsWritten) {
                 HasSubstr("> add k --password a\"b secret\"\n"));
 }
 
-TEST_F(Scenarios, TakesTextThatBeginsWithADash) {
-    const ToolRun result = play(
-        "say the option --tech -- is\n"
-        "add a --user \"--u\" --password=-p\n"
-        "expect key a --user \"--u\" --password \"-p\"\n"
-        "fault send-failure --value -3\n");
-    EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_THAT(result.out, HasSubstr("the option --tech -- is\n"));
-}
-
 TEST_F(Scenarios, AnExpectationHoldsOrEndsTheStoryAtItsLine) {
     const std::array<const char*, 3> cases[] = {
         {"expect ok", "expect refused", "the last operation was not refused"},
         {"expect modem 1 --apn \"my net\"", "expect modem 1 --apn mynet", "apn is my net"},
-        {"expect no-modem 3", "expect no-modem 1", "there is 3GPP profile 1"},
         {"expect library 2 --apn other", "expect library 3", "there is no profile 3"},
         {"expect key call --apn other", "expect key call --apn call", "apn is other"},
         {"expect key kept --password \"a secret\"", "expect key kept --class IMS",
          "class is absent"},
         {"expect expired call", "expect expired call 0", "its listener was called 1 time"},
-        {"expect expired kept 0", "expect expired kept", "its listener was called 0 times"},
         {"expect agree", "expect disagree", "library and modem agree"},
         {"expect pending 0", "expect pending 1", "the library expects 0 indications"},
-        {"expect modem call --temporary", "expect modem call --persistent",
-         "persistent is temporary"},
+        {"expect modem call --temporary", "expect no-modem call", "there is 3GPP profile 2"},
         {"expect library kept --persistent --made-by VELA", "expect modem 1 --made-by others",
          "made_by is vela"},
         {"expect key kept", "expect stale kept", "the key names a profile"},
@@ -149,14 +136,12 @@ TEST_F(Scenarios, AnExpectationHoldsOrEndsTheStoryAtItsLine) {
 
 TEST_F(Scenarios, AnOperationIsJudgedByItsOwnRequests) {
     const std::array<const char*, 3> cases[] = {
-        {"add a", "ok", "a is 3GPP:1"},
         {"fault send-failure --value -4\nadd a", "refused",
          "did not answer the request to create a profile: messaging error -4"},
         {"hold\nservice down\nadd a", "refused",
          "did not answer the request to create a profile: its"},
         {"fault refuse --message list\nrefresh completed", "refused",
          "refused to list the profiles"},
-        {"add a\nfault refuse --message modify\nmodify a --apn x", "refused", "reports success"},
         {"add a --apn x\nmodify a --apn x", "ok", "reports success"},
         {"add a\nfault refuse --message read\nforeign modify 1 apn_name=y\nmodify a --apn x",
          "refused", "and sent nothing"},
@@ -201,15 +186,20 @@ TEST_F(Scenarios, WhatIsNotKnownIsNotExpected) {
                 AllOf(HasSubstr("  BiG\nThe library: answers nothing"), HasSubstr("as expected")));
 }
 
-TEST_F(Scenarios, OthersWriteInTheWordsOfTheRest) {
-    const ToolRun result = play(R"(foreign create
-foreign modify 1 pdp_type=IPv4 override_home_pdp_type=255 apn_type_mask=default,mms clat_enabled=yes
-expect library 1 --home-ip IPv4 --types default,mms --clat
+TEST_F(Scenarios, TakeTextThatBeginsWithADashAndWordsForTheModemsNumbers) {
+    const ToolRun result = play(R"(say the option --tech -- is
+add a --user "--u" --password=-p
+expect key a --user "--u" --password "-p"
+fault send-failure --value -3 --first 9
+foreign create
+foreign modify 2 pdp_type=IPv4 override_home_pdp_type=255 apn_type_mask=default,mms clat_enabled=yes
+expect library 2 --home-ip IPv4 --types default,mms --clat
 foreign create --tech 3GPP2 --user me --types ia authentication_protocol=CHAP
 expect modem 1 --tech 3GPP2 --user me --types ia --auth CHAP
 expect agree
 )");
     EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("the option --tech -- is\n"));
 }
 
 TEST_F(Scenarios, AStoryThatFailsTellsItsJournal) {
@@ -219,7 +209,6 @@ TEST_F(Scenarios, AStoryThatFailsTellsItsJournal) {
     EXPECT_THAT(text.out, AllOf(testing::StartsWith("a is"), HasSubstr("\"create profile\"")));
     const ToolRun json = play(story, {"--json", "--journal"});
     EXPECT_EQ(json.status, 1);
-    EXPECT_EQ(json.json()["passed"], false);
     const auto file = json.json()["files"][0];
     EXPECT_THAT(file["error"], HasSubstr("story.scn:3: expected otherwise"));
     EXPECT_EQ(file["line"], 3);
@@ -259,9 +248,7 @@ TEST(Completion, OffersTheNextWordThatMakesSense) {
     const std::pair<std::string, Names> lines[] = {
         {"re", {"refresh", "release", "restart"}},
         {"expect key k", {"kept"}},
-        {"expect key kept --apn x --ap", {"--apn"}},
         {"fault time", {"time-out", "time-out-after-effect"}},
-        {"refresh ", {"completed", "started"}},
         {"delete ", {"--tech", "1", "12", "call", "kept"}},
         {"fault refuse --message re", {"read", "register"}},
         {"foreign modify 1 --apn x pdp", {"pdp_type="}},

@@ -101,11 +101,6 @@ Messages Recorder::takeMessages() {
     return std::exchange(messages, {});
 }
 
-void Recorder::passTo(vela::Observer* newListener) {
-    const std::lock_guard lock(listening);
-    listener = newListener;
-}
-
 std::vector<vela::ProfileCandidate> Recorder::searchAside(const std::function<void()>& search) {
     isAside = true;
     search();

@@ -94,7 +94,10 @@ class Recorder : public vela::Observer {
 
     /** Passes everything on from now on, one call after the other; null: to nobody. The former
      * listener is in no call any more when this returns. */
-    void passTo(vela::Observer* newListener);
+    void passTo(vela::Observer* newListener) {
+        const std::lock_guard lock(listening);
+        listener = newListener;
+    }
 
     /** Has the library search, of which the listener learns nothing. */
     std::vector<vela::ProfileCandidate> searchAside(const std::function<void()>& search);

@@ -6,19 +6,12 @@
 #include <list>
 #include <utility>
 
-#include "profiles/ProfileField.h"
 #include "profiles/Text.h"
 #include "profiles/ToolError.h"
-#include "profiles/Words.h"
 
 namespace velactl {
 
 namespace {
-
-/** The modem keeps what the library never reads back. */
-bool isUnreadable(const ProfileRecord& record, const ProfileField& field) {
-    return record.tech == vela::TechType::TECH_3GPP2 && field.isSecret();
-}
 
 /** What the library makes of a number that means nothing to it is no difference. */
 bool hasUnknown(const ProfileField& field, const Json& modem) {
@@ -29,17 +22,17 @@ bool hasUnknown(const ProfileField& field, const Json& modem) {
             value.back().get_ref<const std::string&>().rfind("0x", 0) == 0);
 }
 
-/** In what the library's view is not the modem's, which is null when it has none; empty: in
- * nothing.
- */
+/** In what the library's view is not the modem's, which may have none; empty: in nothing. */
 std::string differenceOf(const ProfileRecord& library, const ProfileRecord* modem) {
     if (modem == nullptr) {
         return title(library) + " is no longer in the modem";
     }
+    const bool is3gpp2 = modem->tech == vela::TechType::TECH_3GPP2;
     Names names;
     for (const ProfileField& field : profileFields()) {
+        const bool isRead = !(is3gpp2 && field.isSecret());  // the modem keeps it
         const bool isAsked = field.scope <= ProfileField::Scope::Filter;
-        if (isAsked && !isUnreadable(*modem, field) && !hasUnknown(field, modem->fields) &&
+        if (isAsked && isRead && !hasUnknown(field, modem->fields) &&
             !isSame(field, library.fields, modem->fields)) {
             names.emplace_back(field.key);
         }
@@ -60,12 +53,11 @@ ProfileRecords fitting(const std::vector<vela::ProfileCandidate>& candidates) {
 }
 
 std::string indexes(const ProfileRecords& records, vela::TechType tech) {
-    std::vector<std::string> list;
+    Names list;
     for (const ProfileRecord& record : records) {
-        if (record.tech == tech) {
-            list.push_back(std::to_string(record.index));
-        }
+        list.push_back(record.tech == tech ? std::to_string(record.index) : "");
     }
+    std::erase(list, "");
     return list.empty()
                ? "the library knows no " + word(tech) + " profiles of the modem"
                : "there " + std::string(list.size() == 1 ? "is " : "are ") + join(list, ", ");

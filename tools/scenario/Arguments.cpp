@@ -48,10 +48,6 @@ const Option& optionNamed(const std::vector<Option>& options, const std::string&
 
 }  // namespace
 
-bool ScenarioWord::isOption() const {
-    return !isQuoted && text.size() > 1 && text[0] == '-' && (text[1] < '0' || text[1] > '9');
-}
-
 ScenarioWords splitStatement(std::string_view line) {
     constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
     line.remove_prefix(line.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
@@ -109,10 +105,6 @@ std::string withoutSecret(const std::string& text) {
     const bool isName = name.find_first_not_of("abcdefghijklmnopqrstuvwxyz_-") == std::string::npos;
     const bool isSecret = isName && name.find("password") != std::string::npos;
     return isSecret && equals != std::string::npos ? text.substr(0, equals) + "=***" : text;
-}
-
-vela::TechType Arguments::tech() const {
-    return has("--tech") ? readTech("--tech", text("--tech")) : vela::TechType::TECH_3GPP;
 }
 
 Json Arguments::fields() const {

@@ -21,7 +21,9 @@ struct ScenarioWord {
     bool isQuoted = false;  // from its beginning: it is no option, whatever it begins with
 
     /** Whether it begins with a dash and is no number either. */
-    bool isOption() const;
+    bool isOption() const {
+        return !isQuoted && text.size() > 1 && text[0] == '-' && (text[1] < '0' || text[1] > '9');
+    }
 };
 
 using ScenarioWords = std::vector<ScenarioWord>;
@@ -35,8 +37,7 @@ ScenarioWords splitStatement(std::string_view line);
 /** Such a line for people; its passwords masked unless `showSecrets`. */
 std::string shownStatement(const std::string& line, bool showSecrets);
 
-/** Whether such a line may hold a password: it has "pass" somewhere, also with quotes in between.
- */
+/** Whether it may hold a password: it has "pass" somewhere, also with quotes in between. */
 bool mayBeSecret(std::string line);
 
 /** The text without what stands behind "password=", in whichever setting's name. */
@@ -72,7 +73,9 @@ struct Arguments {
     }
 
     /** 3GPP unless another one was given. */
-    vela::TechType tech() const;
+    vela::TechType tech() const {
+        return has("--tech") ? readTech("--tech", text("--tech")) : vela::TechType::TECH_3GPP;
+    }
 
     /** The fields that were given, those that no request can ask for among them. */
     Json fields() const;

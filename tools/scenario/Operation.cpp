@@ -3,11 +3,8 @@
 #include "scenario/Operation.h"
 
 #include <algorithm>
-#include <functional>
 #include <iterator>
-#include <utility>
 
-#include "profiles/ToolError.h"
 #include "scenario/Stage.h"
 
 namespace velactl {
@@ -22,12 +19,14 @@ Operations collect() {
     for (auto* const list : {profileOperations, policyOperations, simulatorOperations,
                              expectOperations, playOperations, helpOperations}) {
         for (const Operation& operation : list()) {
-            section = operation.run == nullptr ? operation.help : section;
-            all.push_back(operation);
-            all.back().section = section;
+            if (operation.run == nullptr) {
+                section = operation.help;
+            } else {
+                all.push_back(operation);
+                all.back().section = section;
+            }
         }
     }
-    std::erase_if(all, [](const Operation& each) { return each.run == nullptr; });
     return all;
 }
 

@@ -128,14 +128,6 @@ std::vector<Option> collect() {
 
 }  // namespace
 
-const char* Option::groupName() const {
-    return (groups & kKept) != 0 ? "fields" : (groups & kOperator) != 0 ? "operator" : "";
-}
-
-std::string Option::usage() const {
-    return name + (opposite.empty() ? "" : ", " + opposite) + (value.empty() ? "" : ' ' + value);
-}
-
 std::vector<Option> optionsOf(unsigned groups) {
     static const std::vector<Option> all = collect();
     std::vector<Option> some = all;

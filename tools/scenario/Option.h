@@ -49,9 +49,14 @@ struct Option {
     std::string opposite = {};
 
     /** "fields" and other names of groups; empty: usages tell the option itself. */
-    const char* groupName() const;
+    const char* groupName() const {
+        return (groups & kKept) != 0 ? "fields" : (groups & kOperator) != 0 ? "operator" : "";
+    }
     /** "--clat, --no-clat", "--tech T" */
-    std::string usage() const;
+    std::string usage() const {
+        return name + (opposite.empty() ? "" : ", " + opposite) +
+               (value.empty() ? "" : ' ' + value);
+    }
 };
 
 /** The options of these groups, in the order of usages. */

@@ -5,8 +5,6 @@
 
 #include "decisions/Decision.h"
 #include "operators/Provisioner.h"
-#include "profiles/Output.h"
-#include "profiles/Text.h"
 #include "profiles/ToolError.h"
 #include "profiles/Words.h"
 #include "scenario/Operation.h"
@@ -17,7 +15,6 @@ namespace velactl {
 namespace {
 
 using Requests = std::list<vela::ProfileParams>;
-using Entries = std::vector<OperatorEntry>;
 
 /** A policy as people name it; the one of an operator's entries that it takes, or all; and whether
  * it yields a key. */
@@ -26,11 +23,6 @@ struct Purpose {
     std::function<const OperatorEntry*(const Operator& candidate)> pick = {};
     bool yields = false;
 };
-
-/** The first entry of these types. */
-auto ofTypes(unsigned int types) {
-    return [types](const Operator& candidate) { return candidate.find(types); };
-}
 
 Operator operatorIn(const OperatorFile& file, const Arguments& arguments) {
     return file.find(Plmn::parse(arguments.text("--plmn")), arguments.text("--mvno"));
@@ -44,12 +36,9 @@ Requests requestsOf(const Arguments& arguments, const Purpose& purpose) {
     const OperatorFile file = OperatorFile::load(arguments.text("--apns"));
     const Operator candidate = operatorIn(file, arguments);
     const OperatorEntry* picked = purpose.pick ? purpose.pick(candidate) : nullptr;
-    const Entries entries = !purpose.pick       ? candidate.entries
-                            : picked == nullptr ? Entries()
-                                                : Entries{*picked};
     Requests list;
-    for (const OperatorEntry& entry : entries) {
-        if (entry.isUsable()) {
+    for (const OperatorEntry& entry : candidate.entries) {
+        if (entry.isUsable() && (!purpose.pick || &entry == picked)) {
             Json asked = fieldsOf(entry.profile(true, true));
             asked.update(arguments.fields());
             list.push_back(paramsOf(asked));
@@ -151,16 +140,19 @@ void dataCall(Stage& stage, const Arguments& arguments) {
     const vela::ProfileParams given = paramsOf(arguments.fields());
     const unsigned int types =
         given.hasApnTypesMask() ? given.getApnTypesMask() : toMask(vela::ApnTypes::DEFAULT);
-    decide(stage, arguments, {"data call", ofTypes(types), true}, [&](const auto& asked) {
+    const auto pick = [types](const Operator& candidate) { return candidate.find(types); };
+    decide(stage, arguments, {"data call", pick, true}, [&](const auto& asked) {
         return stage.policies.findOrCreateProfileForSetupDataCall(arguments.tech(), asked.front());
     });
 }
 
 void emergency(Stage& stage, const Arguments& arguments) {
-    decide(stage, arguments, {"emergency call", ofTypes(toMask(vela::ApnTypes::EMERGENCY)), true},
-           [&](const auto& asked) {
-               return stage.policies.findOrCreateProfileForEmergencyDataCall(asked.front());
-           });
+    const auto pick = [](const Operator& candidate) {
+        return candidate.find(toMask(vela::ApnTypes::EMERGENCY));
+    };
+    decide(stage, arguments, {"emergency call", pick, true}, [&](const auto& asked) {
+        return stage.policies.findOrCreateProfileForEmergencyDataCall(asked.front());
+    });
 }
 
 void apnClass(Stage& stage, const Arguments& arguments) {
@@ -180,14 +172,15 @@ void typeMask(Stage& stage, const Arguments& arguments) {
 }
 
 void checkProvision(const Arguments& arguments) {
-    if (!arguments.has("--apns")) {
-        throw badUsage("provision: --apns FILE is missing, the operator file");
-    }
-    if (arguments.has("--plmn") == arguments.has("--all")) {
-        throw badUsage("provision: either --plmn MCCMNC or --all, which operator to provision");
-    }
-    if (arguments.has("--twice") && !arguments.has("--all")) {
-        throw badUsage("provision: --twice goes with --all; otherwise run it again");
+    const bool isAll = arguments.has("--all");
+    const std::string error = !arguments.has("--apns") ? "--apns FILE is missing, the operator file"
+                              : arguments.has("--plmn") == isAll
+                                  ? "either --plmn MCCMNC or --all, which operator to provision"
+                              : arguments.has("--twice") && !isAll
+                                  ? "--twice goes with --all; otherwise run it again"
+                                  : "";
+    if (!error.empty()) {
+        throw badUsage("provision: " + error);
     }
 }
 

@@ -149,19 +149,6 @@ Targets targetsOf(std::optional<Fault> fault = {}) {
     return targets;
 }
 
-std::uint32_t targetNamed(const std::string& name, Fault fault) {
-    const Targets fitting = targetsOf(fault);
-    const auto found = fitting.find(name);
-    if (found == fitting.end()) {
-        throw badUsage("--message: " + inQuotes(name) +
-                       (targetsOf().count(name) == 0
-                            ? " is none"
-                            : " means nothing for " + velasim::toString(fault)) +
-                       "; use " + alternatives(namesIn(fitting, &Targets::value_type::first)));
-    }
-    return found->second;
-}
-
 std::uint32_t valueOf(Fault fault, const Arguments& arguments) {
     const std::int64_t value = arguments.number("--value", 0);
     const bool isOfMessaging =
@@ -184,20 +171,25 @@ velasim::FaultRule ruleOf(const Arguments& arguments) {
         throw badUsage(inQuotes(arguments.word()) + " is no fault; use " +
                        alternatives(valuesOf("FAULT")));
     }
+    const std::string message = arguments.text("--message", "any");
+    const Targets fitting = targetsOf(fault);
+    if (fitting.count(message) == 0) {
+        throw badUsage("--message: " + inQuotes(message) +
+                       (targetsOf().count(message) == 0
+                            ? " is none"
+                            : " means nothing for " + velasim::toString(*fault)) +
+                       "; use " + alternatives(namesIn(fitting, &Targets::value_type::first)));
+    }
     const auto number = [&arguments](const char* option) {
         return static_cast<std::uint32_t>(arguments.number(option, 1));
     };
     return {.fault = *fault,
-            .messageId = targetNamed(arguments.text("--message", "any"), *fault),
+            .messageId = fitting.at(message),
             .first = number("--first"),
             .every = number("--every"),
             .count = number("--count"),
             .probability = std::stod(arguments.text("--probability", "1")),
             .value = valueOf(*fault, arguments)};
-}
-
-void fault(Stage& stage, const Arguments& arguments) {
-    simulatedModem(stage).simulator().faults().add(ruleOf(arguments));
 }
 
 }  // namespace
@@ -242,8 +234,11 @@ Operations simulatorOperations() {
         {"journal", "all that crossed between library and modem", journal},
 
         sectionOf("Faults"),
-        {"fault FAULT", "something goes wrong: by default once, at the next occasion", fault, kRule,
-         kStatement, [](const Arguments& arguments) { ruleOf(arguments); }},
+        {"fault FAULT", "something goes wrong: by default once, at the next occasion",
+         [](Stage& stage, const Arguments& arguments) {
+             simulatedModem(stage).simulator().faults().add(ruleOf(arguments));
+         },
+         kRule, kStatement, [](const Arguments& arguments) { ruleOf(arguments); }},
         {"no-faults", "nothing goes wrong any more",
          [](Stage& stage, const Arguments& /*arguments*/) {
              simulatedModem(stage).simulator().faults().clear();

@@ -50,8 +50,7 @@ struct Setting {
 class Stage {
   public:
     vela::Util policies;
-    /** Whether policies may change profiles that the library did not make, unless told otherwise.
-     */
+    /** Whether policies may change what the library did not make, unless told otherwise. */
     bool isUpdateAllowed = false;
     /** From the start of a refresh to its completion the library answers nothing. */
     bool isRefreshing = false;

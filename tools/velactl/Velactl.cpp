@@ -6,7 +6,6 @@
 #include <exception>
 #include <utility>
 
-#include "profiles/Output.h"
 #include "scenario/Operation.h"
 #include "scenario/Stage.h"
 

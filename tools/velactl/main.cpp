@@ -14,10 +14,8 @@ namespace {
 std::size_t columnsOf(int fd) {
     constexpr std::size_t kUsual = 80;
     winsize size{};
-    if (isatty(fd) == 0) {
-        return 0;
-    }
-    return ioctl(fd, TIOCGWINSZ, &size) == 0 && size.ws_col != 0 ? size.ws_col : kUsual;
+    const bool isKnown = ioctl(fd, TIOCGWINSZ, &size) == 0 && size.ws_col != 0;
+    return isatty(fd) == 0 ? 0 : isKnown ? size.ws_col : kUsual;
 }
 
 }  // namespace
