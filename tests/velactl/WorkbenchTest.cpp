@@ -102,5 +102,19 @@ TEST_F(WorkbenchTest, AConnectionThatFailsSaysWhy) {
                                         HasSubstr("refused to list the profiles")));
 }
 
+TEST(Recorder, AnIndicationThatIsLateDoesNotStandForTheNext) {
+    Recorder recorder;
+    vela::ModemMessage change;
+    change.type = vela::ModemMessageType::ModifyProfile;
+    constexpr std::chrono::milliseconds kPatience(20);
+    recorder.onMessage(change);
+    recorder.awaitConfirmations(kPatience);
+    recorder.onIndication({});
+    recorder.onMessage(change);
+    const auto start = std::chrono::steady_clock::now();
+    recorder.awaitConfirmations(kPatience);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, kPatience);
+}
+
 }  // namespace
 }  // namespace velactl
