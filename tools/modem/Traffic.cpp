@@ -33,7 +33,7 @@ const MessageWords& wordsOf(vela::ModemMessageType type) {
 
 std::string failureOf(const vela::ModemMessage& message, const Backend& modem) {
     const std::string what = wordsOf(message.type).purpose;
-    const std::string noAnswer = "the modem did not answer the request to " + what;
+    std::string noAnswer = "the modem did not answer the request to " + what;
     const std::string number = "messaging error " + std::to_string(message.result);
     switch (message.outcome) {
         case vela::MessageOutcome::Answered:

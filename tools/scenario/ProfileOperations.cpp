@@ -40,18 +40,14 @@ void show(Stage& stage, const Arguments& arguments) {
         throw refused("profile " + arguments.word() + " has come only now; ask again");
     }
     output.line(title(*record) + ':');
-    Names keys;
-    Names values;
     const Json shown = shownFields(record->fields);
-    for (const ProfileField& field : profileFields()) {
-        if (shown.contains(field.key)) {
-            keys.emplace_back(field.key);
-            values.push_back(valueText(field, field.of(shown), output.showSecrets()));
-        }
-    }
+    auto fields = profileFields();
+    std::erase_if(fields, [&](const auto& each) { return !shown.contains(each.key); });
     Table table;
-    table.add("FIELD", std::move(keys));
-    table.add("VALUE", std::move(values));
+    table.add("FIELD", namesIn(fields, &ProfileField::key));
+    table.add("VALUE", namesIn(fields, [&](const auto& each) {
+                  return valueText(each, each.of(shown), output.showSecrets());
+              }));
     output.table(table);
     stage.document().update(toJson(*record, output.showSecrets()));
 }
