@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "operators/OperatorFile.h"
-#include "profiles/ToolError.h"
+#include "profiles/Text.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(data, data + size);

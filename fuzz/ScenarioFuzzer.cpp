@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "profiles/ToolError.h"
+#include "profiles/Text.h"
 #include "scenario/Operation.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

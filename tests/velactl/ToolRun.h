@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-#include "profiles/ToolError.h"
+#include "profiles/Text.h"
 #include "support/TempFolder.h"
 #include "velactl/Velactl.h"
 

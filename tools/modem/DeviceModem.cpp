@@ -6,7 +6,7 @@
 
 #include "modem/Rest.h"
 #include "modem/Workbench.h"
-#include "profiles/ToolError.h"
+#include "profiles/Text.h"
 
 namespace velactl {
 

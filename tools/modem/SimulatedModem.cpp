@@ -10,7 +10,6 @@
 
 #include "modem/Rest.h"
 #include "profiles/Text.h"
-#include "profiles/ToolError.h"
 
 namespace velactl {
 

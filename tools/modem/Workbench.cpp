@@ -6,8 +6,8 @@
 #include <list>
 #include <utility>
 
+#include "profiles/ProfileField.h"
 #include "profiles/Text.h"
-#include "profiles/ToolError.h"
 
 namespace velactl {
 

@@ -11,7 +11,6 @@
 
 #include "operators/XmlReader.h"
 #include "profiles/Text.h"
-#include "profiles/ToolError.h"
 
 namespace velactl {
 

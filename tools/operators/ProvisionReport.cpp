@@ -4,10 +4,8 @@
 
 #include <algorithm>
 #include <iterator>
-#include <utility>
 
 #include "profiles/Text.h"
-#include "profiles/ToolError.h"
 
 namespace velactl {
 

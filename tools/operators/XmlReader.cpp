@@ -11,7 +11,6 @@
 #include <set>
 
 #include "profiles/Text.h"
-#include "profiles/ToolError.h"
 
 namespace velactl {
 

@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "profiles/Text.h"
-#include "profiles/ToolError.h"
 
 namespace velactl {
 

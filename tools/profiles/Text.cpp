@@ -10,8 +10,6 @@
 #include <fstream>
 #include <iterator>
 
-#include "profiles/ToolError.h"
-
 namespace velactl {
 
 namespace {

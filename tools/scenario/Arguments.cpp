@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "profiles/Text.h"
-#include "profiles/ToolError.h"
 
 namespace velactl {
 

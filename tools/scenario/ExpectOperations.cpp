@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "profiles/ProfileField.h"
-#include "profiles/ToolError.h"
+#include "profiles/Text.h"
 #include "scenario/Operation.h"
 #include "scenario/Stage.h"
 

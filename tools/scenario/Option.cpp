@@ -11,8 +11,6 @@
 #include "profiles/Output.h"
 #include "profiles/ProfileField.h"
 #include "profiles/Text.h"
-#include "profiles/ToolError.h"
-#include "profiles/Words.h"
 
 namespace velactl {
 

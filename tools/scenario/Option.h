@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "profiles/Words.h"
+#include "profiles/ProfileField.h"
 
 namespace velactl {
 

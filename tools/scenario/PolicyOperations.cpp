@@ -5,8 +5,8 @@
 
 #include "decisions/Decision.h"
 #include "operators/Provisioner.h"
-#include "profiles/ToolError.h"
-#include "profiles/Words.h"
+#include "profiles/ProfileField.h"
+#include "profiles/Text.h"
 #include "scenario/Operation.h"
 #include "scenario/Stage.h"
 

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // What shows something and changes nothing, and what the radio software does with single profiles.
 #include "profiles/ProfileField.h"
-#include "profiles/ToolError.h"
+#include "profiles/Text.h"
 #include "scenario/Operation.h"
 #include "scenario/Stage.h"
 
@@ -72,8 +72,8 @@ void say(Stage& stage, const Arguments& arguments) {
     stage.story().line(printable(join(arguments.words, " ")));
 }
 
-/** Tells of a key, which may be empty, and holds it. The release of the key that had the name is no
- * part of the operation. */
+/** Tells of a key, which may be empty, and holds it. The release of the key that had the name
+ * is no part of the operation. */
 void yield(Stage& stage, const Arguments& arguments, Key key, const char* nothing) {
     const std::string name = arguments.word();
     stage.conclude(key != nullptr, !key           ? nothing

@@ -8,7 +8,7 @@
 #include "modem/SimulatedModem.h"
 #include "modem/Traffic.h"
 #include "profiles/ProfileField.h"
-#include "profiles/ToolError.h"
+#include "profiles/Text.h"
 #include "scenario/Operation.h"
 #include "scenario/Stage.h"
 

@@ -13,7 +13,7 @@
 
 #include "modem/Workbench.h"
 #include "profiles/Output.h"
-#include "profiles/ToolError.h"
+#include "profiles/Text.h"
 
 namespace velactl {
 
