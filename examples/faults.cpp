@@ -3,23 +3,10 @@
 //
 // A modem that restarts at the worst moment: what happened, and what the library makes of it.
 #include <vela/Manager.h>
+#include <velasim/Rest.h>
 #include <velasim/Simulator.h>
 
 #include <cstdio>
-
-namespace {
-
-/** Makes the callbacks that wait, and those that come of them. The library works on them on a
- * thread of its own, which makes a whole pass between two dumps. */
-void settle(velasim::Simulator& modem, vela::Manager& radio) {
-    do {
-        modem.deliverAll();
-        radio.dump();
-        radio.dump();
-    } while (modem.pendingDeliveries() != 0);
-}
-
-}  // namespace
 
 int main() {
     velasim::SimulatorOptions options;
@@ -27,8 +14,10 @@ int main() {
     velasim::Simulator modem(options);
 
     vela::Manager& radio = vela::Manager::getInstance();
+    // Makes the callbacks that wait, and those that come of them.
+    const auto settle = [&] { velasim::awaitRest(radio, modem, [&] { modem.deliverAll(); }); };
     radio.init(0, false);
-    settle(modem, radio);  // the library is told of the service, and subscribes
+    settle();  // the library is told of the service, and subscribes
     radio.refresh(vela::PDCRefreshStatus::RefreshCompleted);
 
     // The modem restarts between the answer to a create and its indications.
@@ -38,7 +27,7 @@ int main() {
     params.setApnName("internet");
     const auto key =
         radio.addProfile(vela::AddProfileParams(params, true, vela::TechType::TECH_3GPP, false));
-    settle(modem, radio);
+    settle();
 
     std::printf("%s", modem.journal().text().c_str());  // what crossed the boundary
     for (const auto& line : radio.dump()) {             // two indications are still expected

@@ -29,7 +29,7 @@
 #include <vector>
 
 #include "Load.h"
-#include "modem/Rest.h"
+#include "velasim/Rest.h"
 #include "vela/Observer.h"
 #include "velasim/DiagLog.h"
 #include "velasim/Simulator.h"
@@ -111,7 +111,7 @@ bool isConnected(Scene& scene) {
 
 /** Callbacks have been made, and the worker has handled what they signalled. */
 void settle(Scene& scene) {
-    velactl::awaitRest(scene.library, scene.simulator, [&] { scene.simulator.waitIdle(); });
+    velasim::awaitRest(scene.library, scene.simulator, [&] { scene.simulator.waitIdle(); });
     progress();
 }
 

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "modem/Rest.h"
+#include "velasim/Rest.h"
 #include "support/TextTables.h"
 #include "vela/Manager.h"
 #include "velasim/DiagLog.h"
@@ -51,7 +51,7 @@ class ClientFixture : public testing::Test {
 
     /** All callbacks have been made, and the worker has handled what they signalled. */
     void settle(Manager& client) {
-        velactl::awaitRest(client, sim, [this] { sim.waitIdle(); });
+        velasim::awaitRest(client, sim, [this] { sim.waitIdle(); });
     }
     void settle() { settle(manager); }
 

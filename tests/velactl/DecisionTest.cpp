@@ -10,7 +10,7 @@
 #include <set>
 
 #include "ToolRun.h"
-#include "modem/Rest.h"
+#include "velasim/Rest.h"
 #include "modem/SimulatedModem.h"
 #include "profiles/Text.h"
 

@@ -6,7 +6,7 @@
 #include <thread>
 #include <utility>
 
-#include "modem/Rest.h"
+#include "velasim/Rest.h"
 
 namespace coherence {
 
@@ -274,7 +274,7 @@ void Driver::heal() {
 
 /** Tells the model what happened until the library has come to rest. */
 void Driver::witness() {
-    velactl::awaitRest(manager, simulator, [] {});
+    velasim::awaitRest(manager, simulator, [] {});
     const auto entries = simulator.journal().snapshot();
     outcome.faults += static_cast<std::uint64_t>(
         std::count_if(entries.begin(), entries.end(),

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <chrono>
 
-#include "modem/Rest.h"
 #include "modem/Workbench.h"
 #include "profiles/Text.h"
 
@@ -25,7 +24,8 @@ class DeviceModem : public Backend {
     /** Knows only of the indications of the library's own changes when they are due; what others
      * change arrives when it does. */
     void settle(vela::Manager& manager, Recorder& recorder) override {
-        awaitRest(manager);
+        manager.dump();
+        manager.dump();  // between which the worker makes a whole pass
         recorder.awaitConfirmations(std::chrono::milliseconds(500));
         if (log) {
             tellLog(manager.dump());

@@ -3,12 +3,12 @@
 #include "modem/SimulatedModem.h"
 
 #include <velasim/DiagLog.h>
+#include <velasim/Rest.h>
 
 #include <algorithm>
 #include <charconv>
 #include <utility>
 
-#include "modem/Rest.h"
 #include "profiles/Text.h"
 
 namespace velactl {
@@ -148,7 +148,7 @@ void SimulatedModem::connect(vela::Manager& manager, Recorder& recorder, int ins
 void SimulatedModem::settle(vela::Manager& manager, Recorder& /*recorder*/) {
     do {
         // What the library asks of the modem then may cause further deliveries.
-        awaitRest(manager);
+        velasim::awaitRest(manager);
     } while (!isHeld && sim->deliverNext());
 }
 

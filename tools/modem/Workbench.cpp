@@ -6,7 +6,6 @@
 #include <list>
 #include <utility>
 
-#include "profiles/ProfileField.h"
 #include "profiles/Text.h"
 
 namespace velactl {

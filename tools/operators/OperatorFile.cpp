@@ -9,7 +9,6 @@
 #include <map>
 #include <utility>
 
-#include "operators/XmlReader.h"
 #include "profiles/Text.h"
 
 namespace velactl {

@@ -1,6 +1,7 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
-#include "operators/XmlReader.h"
+// The XML of operator files.
+#include "operators/OperatorFile.h"
 
 #include <expat.h>
 

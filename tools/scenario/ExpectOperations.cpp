@@ -3,7 +3,6 @@
 // What must hold. An expectation that does not hold ends the scenario.
 #include <optional>
 
-#include "profiles/ProfileField.h"
 #include "profiles/Text.h"
 #include "scenario/Operation.h"
 #include "scenario/Stage.h"

@@ -9,7 +9,6 @@
 
 #include "operators/OperatorFile.h"
 #include "profiles/Output.h"
-#include "profiles/ProfileField.h"
 #include "profiles/Text.h"
 
 namespace velactl {

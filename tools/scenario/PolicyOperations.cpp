@@ -5,7 +5,6 @@
 
 #include "decisions/Decision.h"
 #include "operators/Provisioner.h"
-#include "profiles/ProfileField.h"
 #include "profiles/Text.h"
 #include "scenario/Operation.h"
 #include "scenario/Stage.h"

@@ -6,8 +6,6 @@
 #include <map>
 
 #include "modem/SimulatedModem.h"
-#include "modem/Traffic.h"
-#include "profiles/ProfileField.h"
 #include "profiles/Text.h"
 #include "scenario/Operation.h"
 #include "scenario/Stage.h"

@@ -3,11 +3,12 @@
 #pragma once
 
 #include <vela/Manager.h>
+#include <velasim/Simulator.h>
 
 #include <algorithm>
 #include <cstdint>
 
-namespace velactl {
+namespace velasim {
 
 /**
  * Returns when the library has done everything of which its worker thread was told before the call:
@@ -30,7 +31,7 @@ inline void awaitRest(vela::Manager& manager) {
  * The same for what comes of it: returns when the library rests and nothing more has crossed to the
  * simulated modem or back. `deliver` has the callbacks made that are to be made.
  */
-template <typename Simulator, typename Deliver>
+template <typename Deliver>
 void awaitRest(vela::Manager& manager, Simulator& simulator, Deliver deliver) {
     const auto latestCrossing = [&simulator]() -> std::uint64_t {
         const auto entries = simulator.journal().snapshot();
@@ -44,4 +45,4 @@ void awaitRest(vela::Manager& manager, Simulator& simulator, Deliver deliver) {
     } while (latestCrossing() != before);
 }
 
-}  // namespace velactl
+}  // namespace velasim
