@@ -95,7 +95,7 @@ enum class FilterCriterion : std::int32_t {
 
 /** An entry of the cache that was held against a filter. */
 struct ProfileCandidate {
-    /** As the entry's keys carry it. */
+    /** The entry's, as it stands in `IProfileKey::dump` of its keys. */
     unsigned long token = 0;
     /** Empty: the library could not read this profile, and passes it over. */
     std::optional<ProfileImage> profile;
@@ -110,16 +110,16 @@ struct ProfileCandidate {
 struct ModemMessage {
     ModemMessageType type = ModemMessageType::ReadProfile;
     MessageOutcome outcome = MessageOutcome::Answered;
-    /** The modem's error number; 0 unless it has refused. */
+    /** The modem's error number, from its response; 0 unless it has refused. */
     std::uint32_t error = 0;
-    /** What the messaging library returned; 0 when an answer arrived. */
+    /** What the messaging library returned (its RLINK_ERROR_...); 0 when an answer arrived. */
     int result = 0;
     /** How long the worker thread waited for it. */
     std::chrono::nanoseconds duration{0};
     /** The request that it serves; null when the library sends it on its own account: to connect,
      * or to follow an indication. */
     const ClientRequest* request = nullptr;
-    /** Of the profile, or of the list. */
+    /** Of the profile, or of the list; no meaning for messages about neither. */
     TechType techType = TechType::TECH_3GPP;
     /** The modem's profile index; -1 when the message has none, or the new one is unknown. */
     int profileId = -1;
@@ -196,7 +196,7 @@ struct PolicyResult {
  * different threads may come at the same time: guard what they share. What one thread does comes in
  * its order, and what the worker thread does for a request comes between the request and its
  * response. Only the release of a key that is dropped on the worker thread (by an expiration
- * callback) is answered at once and carried out later.
+ * callback) is answered at once and carried out later: its messages come after its response.
  *
  * Arguments, and what they point to, are valid during the call. Copy values, but keep no key, for a
  * key that is kept keeps a temporary profile in the modem.
@@ -220,7 +220,9 @@ class VELA_API Observer {
     virtual void onRequest(const ClientRequest& request);
 
     /**
-     * The request has come back.
+     * The request has come back. Its status is what the caller gets: an Add that the modem refuses
+     * is a Success without a key, a Modify that it refuses a Success, and the registration of a
+     * listener always a Failure; the messages tell more.
      * @param response null when there was none, as for a request that the worker thread refuses
      * @param duration how long its caller has waited, in the line of callers included
      */
@@ -228,8 +230,8 @@ class VELA_API Observer {
                             std::chrono::nanoseconds duration);
 
     /** A Filter request is held against every entry of the cache, in its order, or a Match request
-     * against the one of its key (none when the key names no profile). Not told of one that fails
-     * before: during a refresh, or by a key that is not the library's. */
+     * against the one of its key; that list is empty when the profile has gone. Not told of one
+     * that fails before: during a refresh, or without a key of the library's. */
     virtual void onSearch(const ClientRequest& request,
                           const std::vector<ProfileCandidate>& candidates);
 
@@ -251,11 +253,12 @@ class VELA_API Observer {
 /**
  * Installs the process's one observer in place of the former; empty for none. Any thread, at any
  * time, also before `Manager::init` and from an observer's own call. The former may still be in a
- * call of another thread when this returns; the last of them lets it go, on its thread. One that
- * comes in the middle of a request or policy is told its end at most, and one that comes when there
- * was none nothing of a message under way. The observer stays until it is replaced, at process exit
- * as well, and is not destroyed then: what it refers to must live as long. Not in a child that was
- * forked while the library ran: it is told nothing.
+ * call of another thread when this returns; the last of them lets it go, on its thread.
+ *
+ * An observer that comes while a request or policy is under way may be told its end, without its
+ * beginning; of a message that was begun without any observer nothing is told. The observer stays
+ * until it is replaced, and is not destroyed at process exit: what it refers to must live as long.
+ * In a child that was forked while the library ran nothing is told.
  *
  * Without an observer the library computes, allocates and locks nothing for it.
  */
