@@ -29,9 +29,9 @@
 #include <vector>
 
 #include "Load.h"
-#include "velasim/Rest.h"
 #include "vela/Observer.h"
 #include "velasim/DiagLog.h"
+#include "velasim/Rest.h"
 #include "velasim/Simulator.h"
 
 namespace {

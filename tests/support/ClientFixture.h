@@ -12,10 +12,10 @@
 #include <utility>
 #include <vector>
 
-#include "velasim/Rest.h"
 #include "support/TextTables.h"
 #include "vela/Manager.h"
 #include "velasim/DiagLog.h"
+#include "velasim/Rest.h"
 #include "velasim/Simulator.h"
 
 namespace vela {

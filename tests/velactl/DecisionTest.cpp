@@ -10,9 +10,9 @@
 #include <set>
 
 #include "ToolRun.h"
-#include "velasim/Rest.h"
 #include "modem/SimulatedModem.h"
 #include "profiles/Text.h"
+#include "velasim/Rest.h"
 
 namespace velactl {
 namespace {
