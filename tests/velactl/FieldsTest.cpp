@@ -129,9 +129,7 @@ TEST_F(ModemFileTest, RefusesWhat3gpp2ProfilesDoNotHave) {
                 HasSubstr("a 3GPP2 profile does not keep roam_ip"));
 }
 
-class FieldsOfTheTool : public ModemFileTest {};
-
-TEST_F(FieldsOfTheTool, EachIsFoundEverywhere) {
+TEST_F(ModemFileTest, EachFieldIsFoundEverywhere) {
     EXPECT_EQ(run(withAll({"add"}, 0, Scope::Request)).status, 0);
     const std::string help = run({"add", "--help"}).out;
     const std::string list = run({"list"}).out;

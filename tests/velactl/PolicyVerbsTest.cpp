@@ -40,11 +40,7 @@ TEST_F(PolicyVerbs, Attach) {
     expect({"attach", "--apn", "A", "--home-ip", "IPv6"}, 0, "home_ip is IPv4, asked for IPv6",
            "found: 3GPP profile 1", 1);
     expect({"attach", "--apn", "b"}, 0, "is to get apn=b", "found: 3GPP profile 1 (b)", 1);
-    expect({"match-attach", "1", "--apn", "b"}, 0, "compared with apn=b: it fits", "matches", 0);
-    expect({"match-attach", "2", "--apn", "b"}, 1, "index is 1, asked for 2", "no-match", 0);
     run({"add", "--apn", "plain"});
-    expect({"match-attach", "2", "--apn", "plain"}, 1,
-           "is looked at: made by vela, and so passed over\n", "no-match", 0);
     expect({"attach", "--apn", "plain", "--user", "u,Password=x"}, 0,
            "profile 2 (plain) is looked at: made by vela, and so passed over",
            "found: 3GPP profile 1 (plain)", 1);
@@ -76,17 +72,6 @@ TEST_F(PolicyVerbs, ClassesAndTypes) {
            "3GPP profile 2 (w) is to get types=mms", "done", 1);
     expect({"type-mask", "--apns", VELACTL_OPERATORS, "--plmn", "001/002"}, 0,
            "apn=WIND, home_ip=IPv4, roam_ip=IPv4, types=mms", "done", 0);
-}
-
-TEST_F(PolicyVerbs, AFullModemIsARefusal) {
-    run({"--capacity", "1", "add", "--apn", "a"});
-    for (const auto& [verb, result] : std::vector<std::pair<std::vector<std::string>, std::string>>{
-             {{"attach", "--apn", "b"}, "none"},
-             {{"data-call", "--apn", "b"}, "none"},
-             {{"emergency"}, "none"},
-             {{"apn-class", "--apn", "b", "--class", "APP"}, "refused"}}) {
-        expect(verb, 1, "the modem refused to create a profile: table full", result, 0);
-    }
 }
 
 TEST_F(PolicyVerbs, CallsPassOverDisabledEntries) {

@@ -33,11 +33,6 @@ TEST_F(Tool, KeepsProfilesBetweenRuns) {
     EXPECT_EQ(run({"match", "--apn", "CDM"}).status, 1);
 }
 
-TEST_F(Tool, ATemporaryProfileIsGoneWhenTheToolEnds) {
-    EXPECT_THAT(run({"add", "--apn", "a", "--temporary"}).out, HasSubstr("Once its key is let go"));
-    EXPECT_EQ(runJson({"list"})["profiles"].size(), 0U);
-}
-
 TEST_F(Tool, MasksPasswordsEverywhereUnlessAskedNotTo) {
     run({"add", "--apn", "a", "--password", "geheim,AuthType"});
     const std::vector<std::vector<std::string>> verbs{
