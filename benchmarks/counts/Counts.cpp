@@ -52,6 +52,7 @@ void operator delete(void* memory, std::size_t) noexcept {
     std::free(memory);
 }
 
+#pragma GCC visibility push(default)  // for sanitizers that are libraries
 // NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the linker's names
 extern "C" {
 
@@ -75,6 +76,7 @@ int __wrap_epoll_wait(int epoll, epoll_event* events, int most, int timeOut) {
 
 }  // extern "C"
 // NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
+#pragma GCC visibility pop
 
 namespace {
 

@@ -112,9 +112,7 @@ TEST(LineFormat, IsThatOfPrintf) {
     EXPECT_TRUE(isAsPrintf("%lu %x%x", std::numeric_limits<unsigned long>::max(), ~0U, 0U));
     EXPECT_TRUE(isAsPrintf("%s%s, %s.", "", "%d", longText.c_str()));
     EXPECT_TRUE(isAsPrintf("100%%: %s %d", "text", 5));
-    EXPECT_TRUE(isAsPrintf("%s %p 0%o %5d", "text", static_cast<const void*>(&longText), 8U, 7));
-    EXPECT_TRUE(isAsPrintf("%ld,%d", -1L, 3));
-    EXPECT_TRUE(isAsPrintf("no argument"));
+    EXPECT_TRUE(isAsPrintf("%s %p 0%lo %5d", "text", static_cast<const void*>(&longText), 8UL, 7));
 }
 
 TEST(LogWrapper, KeepsErrorsAndNoticesInTheLocalBuffer) {

@@ -160,6 +160,8 @@ TEST_F(Scenarios, AnOperationIsJudgedByItsOwnRequests) {
         {"fault refuse --first 2 --value 72\nadd a\nadd b", "refused",
          "refused to create a profile: error 72"},
         {"fault refuse --probability 0\nadd a", "ok", "a is 3GPP:1"},
+        {"fault restart-after-response --message create\ndata-call k --apn new", "refused",
+         "it is not in the modem"},
         {"service down\nadd a\nservice up\nadd b\nexpect agree", "ok", "b is 3GPP:1"},
     };
     for (const auto& [story, outcome, told] : cases) {

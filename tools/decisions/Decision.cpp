@@ -95,9 +95,11 @@ void Decision::conclude(bool isReleased, Json releaseSteps) {
 
 std::string Decision::refusal() const {
     const Json& outcome = document["outcome"];
+    const Json& taken = document["taken"];
     return outcome == "no-match" ? "the library says no: " + wordsOf(document["why_not"])
            : outcome == "none"   ? "no profile"
-                                 : "";
+           : taken.is_object() && taken["in_modem"] == false ? "the profile is not in the modem"
+                                                             : "";
 }
 
 /** Waits until the library rests. The steps since the last call. */

@@ -34,8 +34,7 @@ class Decision : private vela::Observer {
     /** The caller has dropped its key. */
     void release();
 
-    /** Whether it came to the end that its caller wants, and nothing failed, not even the release.
-     */
+    /** Whether it came to the end that its caller wants; nothing failed, nor the release. */
     bool isDone() const { return document["done"].get<bool>(); }
 
     /** What the policy has not yielded, and why; empty when it has. */

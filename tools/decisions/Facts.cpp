@@ -241,6 +241,7 @@ Json takenOf(const Json& document, const Json& yielded, const ProfileRecords& pr
     const ProfileRecord* record = recordAt(profiles, place);
     const Json profile = record == nullptr ? Json() : toJson(*record, true);
     Json taken{{"technology", place["technology"]}, {"index", place["index"]}};
+    taken["in_modem"] = document["table_seen"] == true ? Json(record != nullptr) : Json();
     taken.update(originOf(place, document["steps"]));
     const Json& compared = taken["compared"];
     const Json differences =

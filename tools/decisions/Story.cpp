@@ -225,8 +225,9 @@ std::string originText(const Json& creation, const Json& profile) {
 
 void tellTaken(Lines& to, const Json& taken) {
     const Json& profile = taken["profile"];
-    to.add(1,
-           profile.is_null() ? "what it holds is unknown" : originText(taken["creation"], profile));
+    to.add(1, taken["in_modem"] == false ? "it is not in the modem"
+              : profile.is_null()        ? "what it holds is unknown"
+                                         : originText(taken["creation"], profile));
     const Json& differences = taken["differs_from_asked"];
     const auto texts = differenceTexts(differences, "asked", ", asked was ");
     auto text = texts.begin();

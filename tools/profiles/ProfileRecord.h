@@ -15,8 +15,7 @@ struct ProfileRecord {
     int index = 0;
     /** By key, as profileFields() describes them. */
     Json fields = Json::object();
-    /** All that the modem holds, by the modem's names; null when only the library's view is known.
-     */
+    /** All that the modem holds, by its names; null when only the library's view is known. */
     Json settings = {};
 
     std::string apnName() const { return fields.value("apn", ""); }

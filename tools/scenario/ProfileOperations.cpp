@@ -1,7 +1,6 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
 // What shows something and changes nothing, and what the radio software does with single profiles.
-#include "profiles/Text.h"
 #include "scenario/Operation.h"
 #include "scenario/Stage.h"
 
