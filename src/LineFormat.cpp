@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 
@@ -48,6 +49,15 @@ bool addUsual(Line& line, const char* format, va_list arguments) {
                     return false;
                 }
                 line.add(text);
+                break;
+            }
+            case 'p': {
+                const void* pointer = va_arg(arguments, const void*);
+                if (pointer == nullptr) {
+                    return false;  // which C libraries write differently
+                }
+                line.add("0x");
+                line.add(reinterpret_cast<std::uintptr_t>(pointer), 16);
                 break;
             }
             case 'd':

@@ -5,11 +5,11 @@
 
 #include <sys/time.h>
 
+#include <climits>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <limits>
 #include <memory>
 #include <string>
 #include <utility>
@@ -108,11 +108,11 @@ bool isAsPrintf(const char* format, ...) {
 
 TEST(LineFormat, IsThatOfPrintf) {
     const std::string longText(599, 'x');
-    EXPECT_TRUE(isAsPrintf("%d|%d|%d", std::numeric_limits<int>::min(), 0, 4711));
-    EXPECT_TRUE(isAsPrintf("%lu %x%x", std::numeric_limits<unsigned long>::max(), ~0U, 0U));
-    EXPECT_TRUE(isAsPrintf("%s%s, %s.", "", "%d", longText.c_str()));
-    EXPECT_TRUE(isAsPrintf("100%%: %s %d", "text", 5));
-    EXPECT_TRUE(isAsPrintf("%s %p 0%lo %5d", "text", static_cast<const void*>(&longText), 8UL, 7));
+    EXPECT_TRUE(isAsPrintf("%d|%d|%lu %x%x", INT_MIN, 4711, ULONG_MAX, ~0U, 0U));
+    EXPECT_TRUE(isAsPrintf("%s%p, %s.", "%d", static_cast<const void*>(""), longText.c_str()));
+    EXPECT_TRUE(isAsPrintf("%s %p", "text", static_cast<const void*>(nullptr)));
+    EXPECT_TRUE(isAsPrintf("100%%: %s %d", "", 5));
+    EXPECT_TRUE(isAsPrintf("%s 0%lo %5d", "text", 8UL, 7));
 }
 
 TEST(LogWrapper, KeepsErrorsAndNoticesInTheLocalBuffer) {
