@@ -3,7 +3,7 @@
 //
 // A modem that restarts at the worst moment: what happened, and what the library makes of it.
 #include <vela/Manager.h>
-#include <velasim/Rest.h>
+#include <velasim/Settle.h>
 #include <velasim/Simulator.h>
 
 #include <cstdio>
@@ -14,10 +14,8 @@ int main() {
     velasim::Simulator modem(options);
 
     vela::Manager& radio = vela::Manager::getInstance();
-    // Makes the callbacks that wait, and those that come of them.
-    const auto settle = [&] { velasim::awaitRest(radio, modem, [&] { modem.deliverAll(); }); };
     radio.init(0, false);
-    settle();  // the library is told of the service, and subscribes
+    velasim::settle(radio, modem);  // the library is told of the service, and subscribes
     radio.refresh(vela::PDCRefreshStatus::RefreshCompleted);
 
     // The modem restarts between the answer to a create and its indications.
@@ -27,7 +25,7 @@ int main() {
     params.setApnName("internet");
     const auto key =
         radio.addProfile(vela::AddProfileParams(params, true, vela::TechType::TECH_3GPP, false));
-    settle();
+    velasim::settle(radio, modem);
 
     std::printf("%s", modem.journal().text().c_str());  // what crossed the boundary
     for (const auto& line : radio.dump()) {             // two indications are still expected

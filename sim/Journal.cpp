@@ -27,6 +27,11 @@ Journal::Entries Journal::snapshot() const {
     return entries;
 }
 
+std::uint64_t Journal::latest() const {
+    const std::lock_guard lock(mutex);
+    return lastSequence;
+}
+
 std::size_t Journal::count(JournalKind kind, std::uint32_t messageId) const {
     const std::lock_guard lock(mutex);
     const auto matching = std::count_if(entries.begin(), entries.end(), [&](const auto& entry) {

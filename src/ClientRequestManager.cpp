@@ -41,7 +41,7 @@ ClientRequestManager::ClientRequestManager(int instance)
           [this](std::shared_ptr<ClientRequest> request) {
               return processClientRequest(std::move(request));
           },
-          [this] { return dump(); })),
+          [this] { return dump(); }, [this] { awaitRest(); })),
       cache(eventManager, instance, [line = line](std::shared_ptr<ClientRequest> request) {
           return line->post(std::move(request));
       }) {
@@ -97,7 +97,7 @@ void ClientRequestManager::runVelaThread() {
     while (running) {
         gate.pass();
         activity.beginPass();
-        eventManager.processEvents();
+        eventManager.processEvents([this] { gate.beginWork(); });
         runDeferredReleases();
     }
 }
@@ -119,6 +119,12 @@ std::vector<std::string> ClientRequestManager::dump() {
         return cache.dump();
     }
     return {"Cache:", "  " + activity.dump(cache.messageUnderWay())};
+}
+
+void ClientRequestManager::awaitRest() {
+    if (!isWorkerThread()) {
+        gate.awaitRest([this] { return eventManager.hasEvents(); });
+    }
 }
 
 // --- Calling threads

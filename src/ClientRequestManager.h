@@ -60,6 +60,9 @@ class ClientRequestManager {
      * for how long. Any thread. */
     std::vector<std::string> dump();
 
+    /** Returns when the worker has nothing left to do. Any thread; at once on the worker. */
+    void awaitRest();
+
     /** Whether the calling thread is the worker. */
     bool isWorkerThread() const;
 

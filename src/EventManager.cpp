@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "EventManager.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -111,8 +112,16 @@ void EventManager::removeEventHandler(int fd) {
     remApprovedFd(fd);
 }
 
-void EventManager::processEvents() {
+bool EventManager::hasEvents() const {
+    pollfd events{epollFd.get(), POLLIN, 0};
+    return ::poll(&events, 1, 0) > 0;
+}
+
+void EventManager::processEvents(const std::function<void()>& onWake) {
     const int count = ::epoll_wait(epollFd.get(), readyEvents.data(), kMaxEvents, -1);
+    if (onWake) {
+        onWake();
+    }
     if (count == -1) {
         log(LogLevel::Error, "epoll_wait error");
         return;

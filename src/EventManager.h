@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <map>
 
 #include "ApprovedDescriptors.h"
@@ -23,7 +24,7 @@ using CloseCallback = void (*)(int fd, void* data);
 /**
  * The event loop on which the worker thread sleeps.
  *
- * Takes no lock. Handlers are edited while the worker is outside processEvents() (see WorkerGate),
+ * Takes no lock. Handlers are edited while the worker stands between two passes (see WorkerGate),
  * or by the worker itself; wake() alone may be called from any thread at any time.
  */
 class EventManager {
@@ -45,8 +46,12 @@ class EventManager {
     /** Stops watching `fd`, and calls its close callback. Does not close it. */
     void removeEventHandler(int fd);
 
-    /** Waits for events and dispatches at most 4 of them. */
-    void processEvents();
+    /** Waits for events and dispatches at most 4 of them; between the two it calls `onWake`, if
+     * any. */
+    void processEvents(const std::function<void()>& onWake = {});
+
+    /** Whether there are events to dispatch. Any thread. */
+    bool hasEvents() const;
 
     /** Makes a waiting processEvents() return. Any thread. */
     void wake();

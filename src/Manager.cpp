@@ -241,6 +241,12 @@ void Manager::refresh(PDCRefreshStatus status) {
     }
 }
 
+void Manager::settle() {
+    if (const auto line = connection()) {
+        line->awaitRest();
+    }
+}
+
 std::vector<std::string> Manager::dump() {
     std::vector<std::string> lines;
     if (const auto line = connection()) {

@@ -25,8 +25,10 @@ RequestLine::Passage::~Passage() {
     }
 }
 
-RequestLine::RequestLine(RequestFn pipeline, DumpFn dumpPipeline)
-    : pipeline(std::move(pipeline)), dumpPipeline(std::move(dumpPipeline)) {}
+RequestLine::RequestLine(RequestFn pipeline, DumpFn dumpPipeline, RestFn awaitPipeline)
+    : pipeline(std::move(pipeline)),
+      dumpPipeline(std::move(dumpPipeline)),
+      awaitPipeline(std::move(awaitPipeline)) {}
 
 std::shared_ptr<ClientResponse> RequestLine::post(std::shared_ptr<ClientRequest> request) {
     const Passage passage(*this);
@@ -38,6 +40,13 @@ std::shared_ptr<ClientResponse> RequestLine::post(std::shared_ptr<ClientRequest>
 std::vector<std::string> RequestLine::dump() {
     const Passage passage(*this);
     return passage.isAdmitted() ? dumpPipeline() : std::vector<std::string>();
+}
+
+void RequestLine::awaitRest() {
+    const Passage passage(*this);
+    if (passage.isAdmitted()) {
+        awaitPipeline();
+    }
 }
 
 void RequestLine::close() {

@@ -20,7 +20,9 @@ class RequestLine {
   public:
     using DumpFn = std::function<std::vector<std::string>()>;
 
-    explicit RequestLine(RequestFn pipeline, DumpFn dumpPipeline = {});
+    using RestFn = std::function<void()>;
+
+    explicit RequestLine(RequestFn pipeline, DumpFn dumpPipeline = {}, RestFn awaitPipeline = {});
     RequestLine(const RequestLine&) = delete;
     RequestLine& operator=(const RequestLine&) = delete;
 
@@ -29,6 +31,9 @@ class RequestLine {
 
     /** What the pipeline dumps. Any thread. Empty once the line is closed. */
     std::vector<std::string> dump();
+
+    /** Returns when the pipeline rests, at once when the line is closed. Any thread. */
+    void awaitRest();
 
     /** Refuses further requests and waits until those under way have been answered. */
     void close();
@@ -52,6 +57,7 @@ class RequestLine {
   private:
     const RequestFn pipeline;
     const DumpFn dumpPipeline;
+    const RestFn awaitPipeline;
 
     Mutex mutex;
     Condition lastPostReturned;

@@ -12,6 +12,7 @@ void WorkerGate::pass() {
     MutexLock lock(mutex);
     workerSeen = true;
     workerStands = true;
+    isAtWork = false;
     changed.notifyAll();
     while (isHeld && workerStands) {
         changed.wait(lock);
@@ -31,6 +32,13 @@ bool WorkerGate::awaitWorker(Deadline deadline) {
         }
     }
     return true;
+}
+
+void WorkerGate::awaitRest(const std::function<bool()>& hasEvents) {
+    MutexLock lock(mutex);
+    while (isAtWork || hasEvents() || isAtWork) {  // again: it may have taken them meanwhile
+        changed.wait(lock);
+    }
 }
 
 bool WorkerGate::take(Deadline deadline, bool& mustMeet) {

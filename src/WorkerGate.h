@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <functional>
 
@@ -26,8 +27,15 @@ class WorkerGate {
     /** Worker thread, before each pass: waits as long as anyone holds the gate. */
     void pass();
 
+    /** Worker thread: it is awake, and what it has found is about to be dispatched. */
+    void beginWork() { isAtWork = true; }
+
     /** The holder: returns when the worker stands at the gate. */
     void awaitWorker();
+
+    /** Returns when the worker is between two passes or asleep, and `hasEvents` finds nothing that
+     * would wake it. Wakes nobody. Not for the worker thread. */
+    void awaitRest(const std::function<bool()>& hasEvents);
 
     using Deadline = std::chrono::steady_clock::time_point;
 
@@ -67,6 +75,8 @@ class WorkerGate {
     bool workerSeen VELA_GUARDED_BY(mutex) = false;
     // Until the hold for which it has come is over.
     bool workerStands VELA_GUARDED_BY(mutex) = false;
+    // Becomes false under the mutex only, so that who holds it sees a pass begin, but not end.
+    std::atomic<bool> isAtWork{true};
 };
 
 }  // namespace vela

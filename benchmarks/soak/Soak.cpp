@@ -31,7 +31,7 @@
 #include "Load.h"
 #include "vela/Observer.h"
 #include "velasim/DiagLog.h"
-#include "velasim/Rest.h"
+#include "velasim/Settle.h"
 #include "velasim/Simulator.h"
 
 namespace {
@@ -111,7 +111,7 @@ bool isConnected(Scene& scene) {
 
 /** Callbacks have been made, and the worker has handled what they signalled. */
 void settle(Scene& scene) {
-    velasim::awaitRest(scene.library, scene.simulator, [&] { scene.simulator.waitIdle(); });
+    velasim::settle(scene.library, scene.simulator);
     progress();
 }
 

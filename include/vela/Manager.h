@@ -98,6 +98,14 @@ class VELA_API Manager {
      */
     std::vector<std::string> dump();
 
+    /**
+     * For tests and tools: returns when the worker thread has done everything of which it was told
+     * before the call, at once when it rests already. Takes no turn among the callers and leaves
+     * no line in the log. Waits as long as the worker is stuck. Does nothing before init() and on
+     * the worker thread.
+     */
+    void settle();
+
   private:
     struct State;
     class AtExit;

@@ -15,7 +15,7 @@
 #include "support/TextTables.h"
 #include "vela/Manager.h"
 #include "velasim/DiagLog.h"
-#include "velasim/Rest.h"
+#include "velasim/Settle.h"
 #include "velasim/Simulator.h"
 
 namespace vela {
@@ -51,7 +51,7 @@ class ClientFixture : public testing::Test {
 
     /** All callbacks have been made, and the worker has handled what they signalled. */
     void settle(Manager& client) {
-        velasim::awaitRest(client, sim, [this] { sim.waitIdle(); });
+        velasim::settle(client, sim);
     }
     void settle() { settle(manager); }
 

@@ -12,7 +12,7 @@
 #include "ToolRun.h"
 #include "modem/SimulatedModem.h"
 #include "profiles/Text.h"
-#include "velasim/Rest.h"
+#include "velasim/Settle.h"
 
 namespace velactl {
 namespace {
@@ -119,10 +119,8 @@ class Decisions : public testing::Test {
 
     /** Also what a restart brings about, step by step. */
     void settle() {
-        awaitRest(bench->manager(), simulator(), [this] {
-            simulator().waitIdle();
-            bench->settle();
-        });
+        velasim::settle(bench->manager(), simulator());
+        bench->settle();
     }
 
     void reload() { bench->manager().refresh(vela::PDCRefreshStatus::RefreshCompleted); }

@@ -6,8 +6,6 @@
 #include <thread>
 #include <utility>
 
-#include "velasim/Rest.h"
-
 namespace coherence {
 
 namespace {
@@ -274,7 +272,7 @@ void Driver::heal() {
 
 /** Tells the model what happened until the library has come to rest. */
 void Driver::witness() {
-    velasim::awaitRest(manager, simulator, [] {});
+    manager.settle();
     const auto entries = simulator.journal().snapshot();
     outcome.faults += static_cast<std::uint64_t>(
         std::count_if(entries.begin(), entries.end(),

@@ -24,8 +24,7 @@ class DeviceModem : public Backend {
     /** Knows only of the indications of the library's own changes when they are due; what others
      * change arrives when it does. */
     void settle(vela::Manager& manager, Recorder& recorder) override {
-        manager.dump();
-        manager.dump();  // between which the worker makes a whole pass
+        manager.settle();
         recorder.awaitConfirmations(std::chrono::milliseconds(500));
         if (log) {
             tellLog(manager.dump());

@@ -3,7 +3,6 @@
 #include "modem/SimulatedModem.h"
 
 #include <velasim/DiagLog.h>
-#include <velasim/Rest.h>
 
 #include <algorithm>
 #include <charconv>
@@ -148,7 +147,7 @@ void SimulatedModem::connect(vela::Manager& manager, Recorder& recorder, int ins
 void SimulatedModem::settle(vela::Manager& manager, Recorder& /*recorder*/) {
     do {
         // What the library asks of the modem then may cause further deliveries.
-        velasim::awaitRest(manager);
+        manager.settle();
     } while (!isHeld && sim->deliverNext());
 }
 

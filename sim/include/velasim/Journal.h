@@ -36,6 +36,9 @@ class VELASIM_API Journal {
     /** The entries kept, oldest first. */
     Entries snapshot() const;
 
+    /** Of the latest entry, kept or not; 0: there was none. */
+    std::uint64_t latest() const;
+
     /** How many kept entries are of that kind, and of that message unless it is kAnyMessage. */
     std::size_t count(JournalKind kind, std::uint32_t messageId = kAnyMessage) const;
 
