@@ -14,7 +14,6 @@ namespace velasim {
 
 namespace {
 
-constexpr std::size_t kLinesKept = 4096;
 constexpr std::size_t kUsualLine = 600;  // longer ones are formatted twice
 
 // The format is the business of whoever logs.
@@ -59,6 +58,12 @@ std::vector<DiagLog::Line> DiagLog::lines() const {
     return {kept.begin(), kept.end()};
 }
 
+void DiagLog::keep(std::size_t newest) {
+    const std::lock_guard lock(mutex);
+    limit = newest;
+    dropOldest();
+}
+
 void DiagLog::clear() {
     const std::lock_guard lock(mutex);
     kept.clear();
@@ -76,6 +81,12 @@ bool DiagLog::waitFor(const std::function<bool(const Line&)>& predicate,
                             [&] { return std::any_of(kept.begin(), kept.end(), predicate); });
 }
 
+bool DiagLog::isRead() const {
+    const std::lock_guard sinkLock(sinkMutex);
+    const std::lock_guard lock(mutex);
+    return attached != 0 && (limit != 0 || sink);
+}
+
 bool DiagLog::attach() {
     const std::lock_guard lock(mutex);
     ++attached;
@@ -91,6 +102,12 @@ bool DiagLog::detach() {
     return true;
 }
 
+void DiagLog::dropOldest() {
+    while (kept.size() > limit) {
+        kept.pop_front();
+    }
+}
+
 void DiagLog::print(const Line& line) {
     const std::lock_guard sinkLock(sinkMutex);
     {
@@ -98,10 +115,8 @@ void DiagLog::print(const Line& line) {
         if (attached == 0) {
             return;
         }
-        if (kept.size() == kLinesKept) {
-            kept.pop_front();
-        }
         kept.push_back(line);
+        dropOldest();
     }
     printed.notify_all();
     if (sink) {
@@ -122,7 +137,8 @@ VELASIM_API bool diagLogDeinit(void) {
 }
 
 VELASIM_API void diagLogPrintf(const diag_log_descriptor* descriptor, ...) {
-    if (descriptor == nullptr || descriptor->format == nullptr) {
+    if (descriptor == nullptr || descriptor->format == nullptr ||
+        !velasim::DiagLog::instance().isRead()) {
         return;
     }
     std::va_list arguments;

@@ -101,6 +101,7 @@ SimulatedModem::SimulatedModem(const ModemOptions& given) : options(given) {
         throw refused(options.file + ": " + error);
     }
     savedMemory = isNew || isResized ? "" : sim->snapshot().toJson();
+    velasim::DiagLog::instance().keep(0);
     if (options.log) {
         velasim::DiagLog::instance().setSink([this](const velasim::DiagLog::Line& line) {
             constexpr std::string_view kTag = "|VELA| ";

@@ -185,7 +185,8 @@ class Reader {
     }
 
     void readIPTypes() {
-        const Json words{{"", "IPv4"}, {"IP", "IPv4"}, {"IPV6", "IPv6"}, {"IPV4V6", "IPv4v6"}};
+        static const Json words{
+            {"", "IPv4"}, {"IP", "IPv4"}, {"IPV6", "IPv6"}, {"IPV4V6", "IPv4v6"}};
         set("home_ip", choice("protocol", words, &Reader::refuse));
         set("roam_ip", choice("roaming_protocol", words));
     }
@@ -199,19 +200,17 @@ class Reader {
             set(name, text(name).empty() ? Json() : Json(text(name)));
         }
         set("auth", text("user").empty() ? "none" : "PAP_CHAP");
-        set("auth", choice("authtype", {{"", nullptr},
-                                        {"-1", nullptr},
-                                        {"0", "none"},
-                                        {"1", "PAP"},
-                                        {"2", "CHAP"},
-                                        {"3", "PAP_CHAP"}}));
+        static const Json types{{"", nullptr}, {"-1", nullptr}, {"0", "none"},
+                                {"1", "PAP"},  {"2", "CHAP"},   {"3", "PAP_CHAP"}};
+        set("auth", choice("authtype", types));
     }
 
     void readClass() {
-        if (choice("modem_cognitive", {{"", false}, {"true", true}, {"false", false}}) == true) {
-            entry.apnClass =
-                choice("profile_id",
-                       {{"", "INET"}, {"0", "INET"}, {"2", "IMS"}, {"3", "ADMN"}, {"4", "APP"}});
+        static const Json yes{{"", false}, {"true", true}, {"false", false}};
+        static const Json classes{
+            {"", "INET"}, {"0", "INET"}, {"2", "IMS"}, {"3", "ADMN"}, {"4", "APP"}};
+        if (choice("modem_cognitive", yes) == true) {
+            entry.apnClass = choice("profile_id", classes);
         }
     }
 
@@ -230,12 +229,13 @@ class Reader {
     }
 
     void readFlags() {
-        if (choice("carrier_enabled", {{"", true}, {"true", true}, {"false", false}}) != true) {
+        static const Json yes{{"", true}, {"true", true}, {"false", false}};
+        static const Json no{{"", nullptr}, {"-1", nullptr}, {"0", true}, {"1", false}};
+        if (choice("carrier_enabled", yes) != true) {
             set("disabled", true);
             note("disabled by the operator");
         }
-        set("clat",
-            choice("skip_464xlat", {{"", nullptr}, {"-1", nullptr}, {"0", true}, {"1", false}}));
+        set("clat", choice("skip_464xlat", no));
     }
 
     const Attributes& attributes;

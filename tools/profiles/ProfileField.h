@@ -129,7 +129,11 @@ struct ProfileField {
     bool isKept(vela::TechType tech) const;
 
     /** Of a profile or a request; null when it is absent. */
-    Json of(const Json& fields) const { return fields.value(key, Json()); }
+    const Json& of(const Json& fields) const {
+        static const Json absent;
+        const auto found = fields.find(key);
+        return found == fields.end() ? absent : *found;
+    }
     /** Of what the modem holds, by the names of its settings. */
     Json in(const Json& held, vela::TechType tech) const;
     /** As people write it; throws ToolError, which begins with `option`. */

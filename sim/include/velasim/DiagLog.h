@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -21,7 +22,7 @@ namespace velasim {
  * until the process has ended. Any thread.
  *
  * Lines that are logged while no registration is in force are lost, as on a device. The newest 4096
- * lines are kept.
+ * lines are kept, unless keep() says otherwise.
  */
 class VELASIM_API DiagLog {
   public:
@@ -48,6 +49,10 @@ class VELASIM_API DiagLog {
     /** The lines kept, oldest first. */
     std::vector<Line> lines() const;
 
+    /** How many of the newest lines are kept. With 0 and no sink nobody reads them: they are not
+     * even formatted. */
+    void keep(std::size_t newest);
+
     /** Forgets the lines kept. */
     void clear();
 
@@ -61,6 +66,9 @@ class VELASIM_API DiagLog {
     bool waitFor(const std::function<bool(const Line&)>& predicate,
                  std::chrono::milliseconds atMost = std::chrono::seconds(10)) const;
 
+    /** Whether lines are kept or handed on. */
+    bool isRead() const;
+
     /** What the C functions do. */
     bool attach();
     bool detach();
@@ -68,14 +76,16 @@ class VELASIM_API DiagLog {
 
   private:
     DiagLog() = default;
+    void dropOldest();  // under `mutex`
 
-    std::recursive_mutex sinkMutex;  // taken before `mutex`; held while the sink runs
-    Sink sink;                       // guarded by `sinkMutex`
+    mutable std::recursive_mutex sinkMutex;  // taken before `mutex`; held while the sink runs
+    Sink sink;                               // guarded by `sinkMutex`
 
     mutable std::mutex mutex;
     mutable std::condition_variable printed;
     // Guarded by `mutex`.
     unsigned attached = 0;
+    std::size_t limit = 4096;
     std::deque<Line> kept;
 };
 
