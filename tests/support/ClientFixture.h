@@ -50,9 +50,7 @@ class ClientFixture : public testing::Test {
     void reload() { reload(manager); }
 
     /** All callbacks have been made, and the worker has handled what they signalled. */
-    void settle(Manager& client) {
-        velasim::settle(client, sim);
-    }
+    void settle(Manager& client) { velasim::settle(client, sim); }
     void settle() { settle(manager); }
 
     Key add(const std::string& line, bool persistent = true,
