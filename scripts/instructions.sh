@@ -24,6 +24,7 @@ while read -r operation times most; do
     fi
     printf '%-8s %9d of %9d%s\n' "$operation" "$cost" "$most" "$verdict"
 done <<'LIMITS'
+start 1 150000
 get 200 18000
 search 100 260000
 add 100 45000
