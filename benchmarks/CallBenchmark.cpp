@@ -7,39 +7,14 @@
 #include <string>
 
 #include "Comparison.h"
+#include "Connection.h"
 #include "ConstantModem.h"
 #include "HandOver.h"
 #include "ProfileKey.h"
-#include "vela/Manager.h"
 
 namespace {
 
 using namespace comparison;  // NOLINT(google-build-using-namespace): its words
-
-/** A manager whose modem holds so many profiles of each technology. */
-class Connection {
-  public:
-    Connection(int profiles3gpp, int profiles3gpp2) {
-        constant_modem::hold(profiles3gpp, profiles3gpp2);
-        constant_modem::setAnnouncing(false);
-        manager.init(0, false);
-        constant_modem::deliver();
-        manager.refresh(vela::PDCRefreshStatus::RefreshCompleted);
-        filter.setFilterByTechType(vela::TechType::TECH_3GPP);
-        filter.setFilterByProfileId(1);
-        const auto keys = manager.filter(filter);
-        if (!keys.empty()) {
-            key = keys.front();
-        }
-    }
-    Connection(const Connection&) = delete;
-    Connection& operator=(const Connection&) = delete;
-    ~Connection() { constant_modem::setFormatting(false); }
-
-    vela::Manager manager;
-    vela::FilterProfileParams filter;
-    std::shared_ptr<vela::IProfileKey> key;
-};
 
 /** `yardstick` makes something with a call() of its own, on the worker's core. */
 template <typename HandOver, typename Call>
@@ -72,6 +47,17 @@ void getProfileBesideAsio(benchmark::State& state) {
     compareGetProfile<AsioHandOver>(state, [](AsioHandOver& context) { context.call([] {}); });
 }
 BENCHMARK(getProfileBesideAsio)->Apply(sinks);
+
+/** What further profiles add. */
+void getProfileAmong510(benchmark::State& state) {
+    pinTo(0);
+    Connection two(1, 1);
+    Connection many(255, 255);
+    compare(
+        state, [&] { benchmark::DoNotOptimize(many.manager.getProfile(many.key)); },
+        [&] { benchmark::DoNotOptimize(two.manager.getProfile(two.key)); });
+}
+BENCHMARK(getProfileAmong510)->Apply(once);
 
 /** The keys live on, so that no release is timed. The yardstick makes as many on the way. */
 void filterAll(benchmark::State& state) {

@@ -35,6 +35,25 @@ double nanosecondsOf(Work& work, int times) {
     return taken.count() / times;
 }
 
+/** Work that each time needs something first, which is not timed. */
+template <typename Prepare, typename Work>
+struct Prepared {
+    Prepared(Prepare prepare, Work work) : prepare(prepare), work(work) {}
+
+    Prepare prepare;
+    Work work;
+};
+
+template <typename Prepare, typename Work>
+double nanosecondsOf(Prepared<Prepare, Work>& prepared, int times) {
+    double taken = 0;
+    for (int i = 0; i < times; ++i) {
+        prepared.prepare();
+        taken += nanosecondsOf(prepared.work, 1);
+    }
+    return taken / times;
+}
+
 /** How often to repeat something so that the clock does not count. */
 template <typename Work>
 int repetitionsOf(Work& work) {
@@ -47,26 +66,34 @@ inline double quantile(std::vector<double> values, double part) {
     return values[static_cast<std::size_t>(part * static_cast<double>(values.size() - 1))];
 }
 
+/** What rounds of the library and of its yardstick took, in pairs. */
+inline void report(benchmark::State& state, const std::vector<double>& ours,
+                   const std::vector<double>& limits) {
+    std::vector<double> ratios;
+    for (std::size_t round = 0; round < ours.size(); ++round) {
+        ratios.push_back(ours[round] / limits[round]);
+    }
+    state.SetIterationTime(quantile(ours, 0.5) / 1e9);
+    state.counters["limit_ns"] = quantile(limits, 0.5);
+    state.counters["ratio"] = quantile(ours, 0.5) / quantile(limits, 0.5);
+    state.counters["ratio_q1"] = quantile(ratios, 0.25);
+    state.counters["ratio_q3"] = quantile(ratios, 0.75);
+}
+
 /** One iteration of a benchmark is the whole comparison. */
 template <typename Subject, typename Yardstick>
 void compare(benchmark::State& state, Subject subject, Yardstick yardstick) {
-    std::vector<double> ours;
-    std::vector<double> limits;
-    std::vector<double> ratios;
     for ([[maybe_unused]] const auto _ : state) {
+        std::vector<double> ours;
+        std::vector<double> limits;
         const int ourTimes = repetitionsOf(subject);
         const int limitTimes = repetitionsOf(yardstick);
         for (int round = 0; round < kRounds; ++round) {
             ours.push_back(nanosecondsOf(subject, ourTimes));
             limits.push_back(nanosecondsOf(yardstick, limitTimes));
-            ratios.push_back(ours.back() / limits.back());
         }
-        state.SetIterationTime(quantile(ours, 0.5) / 1e9);
+        report(state, ours, limits);
     }
-    state.counters["limit_ns"] = quantile(limits, 0.5);
-    state.counters["ratio"] = quantile(ours, 0.5) / quantile(limits, 0.5);
-    state.counters["ratio_q1"] = quantile(ratios, 0.25);
-    state.counters["ratio_q3"] = quantile(ratios, 0.75);
 }
 
 /** Registers comparisons: run once, whatever they take. */

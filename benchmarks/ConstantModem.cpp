@@ -30,6 +30,7 @@ struct State {
     std::uint8_t lastCreated = 0;
     bool announcing = false;
     std::atomic<bool> formatting{false};
+    std::atomic<void (*)()> lineHook{nullptr};
     std::atomic<std::uint64_t> messages{0};
 };
 
@@ -117,6 +118,10 @@ void announce(int index, wds_profile_change_event_enum_v01 event) {
 
 void setFormatting(bool formatting) {
     state().formatting = formatting;
+}
+
+void setLineHook(void (*hook)()) {
+    state().lineHook = hook;
 }
 
 std::uint64_t messages() {
@@ -210,6 +215,9 @@ bool diagLogDeinit() {
 }
 
 void diagLogPrintf(const diag_log_descriptor* descriptor, ...) {
+    if (const auto hook = state().lineHook.load()) {
+        hook();
+    }
     if (!state().formatting) {
         return;
     }

@@ -26,6 +26,9 @@ void announce(int index, wds_profile_change_event_enum_v01 event);
 /** Whether diagnostic lines are formatted, as a diagnostic log does, or dropped at once. */
 void setFormatting(bool formatting);
 
+/** Is called for each diagnostic line before anything else; null: nothing is. */
+void setLineHook(void (*hook)());
+
 /** Messages answered so far. */
 std::uint64_t messages();
 
