@@ -148,7 +148,7 @@ std::shared_ptr<ClientResponse> ClientRequestManager::carryOut(
     if (isWorkerThread()) {
         return processOnWorker(request);
     }
-    const MutexLock turn(callersMutex);
+    const CallerTurns::Turn turn(callers);
     MutexLock lock(requestMutex);
     // Signalled before the request is stored: the worker needs the mutex to look at the slot.
     ssize_t written = 0;

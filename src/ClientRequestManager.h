@@ -10,6 +10,7 @@
 #include <thread>
 #include <vector>
 
+#include "CallerTurns.h"
 #include "EventFd.h"
 #include "EventManager.h"
 #include "ForkedChild.h"
@@ -98,7 +99,7 @@ class ClientRequestManager {
 
     Mutex requestMutex;
     // Before the slot: one caller at a time.
-    Mutex callersMutex VELA_ACQUIRED_BEFORE(requestMutex);
+    CallerTurns callers;
 
     std::shared_ptr<ClientRequest> requestSlot VELA_GUARDED_BY(requestMutex);
     std::shared_ptr<ClientResponse> responseSlot VELA_GUARDED_BY(requestMutex);
