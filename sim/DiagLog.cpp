@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::size_t kUsualLine = 600;  // longer ones are formatted twice
 
-// The format is the business of whoever logs.
+// The caller's format is checked by the caller's compiler.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
 

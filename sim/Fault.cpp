@@ -15,7 +15,7 @@ struct FaultInfo {
     FaultPoint point = FaultPoint::Request;
 };
 
-/** Nameless for what is no fault. A fault without a line here does not compile. */
+/** Null for a number that is not a fault's. A fault without a line here does not compile. */
 constexpr FaultInfo infoOf(Fault fault) {
     using enum Fault;
     using enum FaultPoint;

@@ -13,7 +13,10 @@
 
 namespace velasim {
 
-/** Tells clients of changes, as far as the fault plan lets it. Whoever owns the service locks. */
+/**
+ * Tells clients of changes, as far as the fault plan lets it. Takes no lock: its owner calls it
+ * under the lock that guards the service.
+ */
 class IndicationSender {
   public:
     struct Outgoing {

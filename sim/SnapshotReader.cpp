@@ -24,7 +24,7 @@ std::string inQuotes(std::string_view text) {
 void expectMembers(const Json& json, const std::string& path,
                    std::initializer_list<std::string_view> names) {
     if (!json.is_object()) {
-        fail(path, std::string("an object is wanted, not ") + json.type_name());
+        fail(path, std::string("must be an object, not ") + json.type_name());
     }
     for (const auto& item : json.items()) {
         if (std::find(names.begin(), names.end(), item.key()) == names.end()) {
@@ -40,7 +40,7 @@ void expectMembers(const Json& json, const std::string& path,
 
 void expectArray(const Json& json, const std::string& path) {
     if (!json.is_array()) {
-        fail(path, std::string("an array is wanted, not ") + json.type_name());
+        fail(path, std::string("must be an array, not ") + json.type_name());
     }
 }
 
@@ -51,8 +51,8 @@ std::uint64_t readNumber(const Json& json, const std::string& path, std::uint64_
         const auto text = json.is_primitive()
                               ? json.dump(-1, ' ', true, Json::error_handler_t::replace)
                               : std::string(json.type_name());
-        fail(path, "a number from " + std::to_string(least) + " to " + std::to_string(most) +
-                       " is wanted, not " + text.substr(0, 40));
+        fail(path, "must be a number from " + std::to_string(least) + " to " +
+                       std::to_string(most) + ", not " + text.substr(0, 40));
     }
     return json.get<std::uint64_t>();
 }
@@ -62,7 +62,7 @@ std::string readBytes(const Json& json, const std::string& path) {
         return json.get<std::string>();
     }
     if (!json.is_object()) {
-        fail(path, std::string("a text is wanted, not ") + json.type_name());
+        fail(path, std::string("must be a text, not ") + json.type_name());
     }
     expectMembers(json, path, {"hex"});
     const auto& hex = json["hex"];
@@ -78,7 +78,7 @@ std::string readBytes(const Json& json, const std::string& path) {
 Snapshot SnapshotReader::read(const Json& json) const {
     expectMembers(json, "", {"format", "version", "modems"});
     if (json["format"] != Snapshot::kFormat) {
-        fail("format", "this is no snapshot: " + inQuotes(Snapshot::kFormat) + " is wanted");
+        fail("format", "not a snapshot; must be " + inQuotes(Snapshot::kFormat));
     }
     if (json["version"] != Snapshot::kVersion) {
         fail("version", "only version " + std::to_string(Snapshot::kVersion) + " is understood");
@@ -134,7 +134,7 @@ StoredProfile SnapshotReader::readProfile(const Json& json, const std::string& p
 Settings SnapshotReader::readSettings(const Json& json, const std::string& path,
                                       Technology technology) const {
     if (!json.is_object()) {
-        fail(path, std::string("an object is wanted, not ") + json.type_name());
+        fail(path, std::string("must be an object, not ") + json.type_name());
     }
     Settings settings{};
     setNumber(settings, Snapshot::kPersistenceField, 1);

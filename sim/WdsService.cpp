@@ -47,7 +47,8 @@ struct WdsService::Handler {
     Reply (WdsService::*invoke)(Session&, const void*, void*);
 };
 
-// Behind the public declarations of the structures, a message is known by the method for it.
+// Copies the client's bytes into the message's structure, calls the method for it, and fills in
+// what every response has.
 template <auto Method, typename Request, typename Response>
 WdsService::Reply WdsService::invoke(Session& session, const void* request, void* response) {
     Request in{};

@@ -43,8 +43,8 @@ class ClientRequestManager {
 
     /**
      * Ends the worker; no request may come after that. Keys that are still alive release nothing
-     * from then on. The destructor does it as well; an owner that listeners may still ask for this
-     * object stops it first and lets go of it afterwards. Not for the worker.
+     * from then on. The destructor does it as well. An owner from which listeners may still get
+     * this object calls it before it destroys the object. Not on the worker thread.
      */
     void stop();
 
@@ -70,7 +70,7 @@ class ClientRequestManager {
     /** Whether the calling thread is that of any pipeline. */
     static bool isOnWorker();
 
-    /** The way in that is closed before this object goes. */
+    /** By which requests get here; closed before this object goes. */
     const std::shared_ptr<RequestLine>& getLine() const { return line; }
 
   private:
@@ -98,7 +98,7 @@ class ClientRequestManager {
     Request* admit(ClientRequest& request) const;
 
     Mutex requestMutex;
-    // Before the slot: one caller at a time.
+    // Held by a caller for its whole turn, taken before the mutex of the slots.
     CallerTurns callers;
 
     std::shared_ptr<ClientRequest> requestSlot VELA_GUARDED_BY(requestMutex);

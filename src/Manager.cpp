@@ -77,8 +77,8 @@ Manager::~Manager() {
 }
 
 bool Manager::close() {
-    // In a forked child worker and modem are the parent's. On the worker a listener ends the
-    // process: it cannot wait for itself, and all goes anyway.
+    // In a forked child, worker and modem are the parent's. On the worker, a listener has called
+    // exit(): the worker cannot wait for its own end, and the process goes anyway.
     if (isForkedChild() || ClientRequestManager::isOnWorker()) {
         return false;
     }

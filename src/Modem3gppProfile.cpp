@@ -16,7 +16,8 @@ namespace {
 
 void readRoamIPType(std::uint8_t valid, const wds_common_pdp_type_enum_v01& type,
                     std::optional<IPType>& field) {
-    // A roaming type that was never configured is absent; only the home override takes it amiss.
+    // The unset value means that no roaming type was configured: the field stays absent. For the
+    // home override it means UNKNOWN, so that one is read by the plain conversion.
     if (type != WDS_COMMON_PDP_TYPE_UNSET_V01) {
         readPart(valid, type, field, convertPdpType);
     }

@@ -71,7 +71,8 @@ ModemProfile::ModemProfile(TechType tech, int index,
 
 ModemProfile::~ModemProfile() {
     LogWrapper::getInstance().log(LogLevel::Debug, kLogTag, "~ModemProfile()");
-    // A callback may come back to this object, if only to drop a key: nothing is left to find here.
+    // The list is emptied before the first callback runs: one that drops a key comes back to this
+    // object, and must not find listeners that are about to be called.
     const std::list<ExpirationListener> last = std::exchange(listeners, {});
     for (const ExpirationListener& listener : last) {
         if (!expired(listener)) {
@@ -176,7 +177,8 @@ void ModemProfile::registerExpirationListener(std::function<void()> callback,
 }
 
 void ModemProfile::clearExpiredListeners() {
-    // Destroying a callback may run code of the client's: only once the list is whole again.
+    // Destroying a callback may run code of the client's, which may come back here. So they are
+    // destroyed after the list is complete again.
     std::list<ExpirationListener> gone;
     for (auto entry = listeners.begin(); entry != listeners.end();) {
         const auto next = std::next(entry);

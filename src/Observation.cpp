@@ -153,7 +153,7 @@ bool PolicyScope::end(bool matches) {
     return matches;
 }
 
-// Here the class has its home, and its table of functions with it.
+// Defined here so that the class's table of functions is in the library, once.
 Observer::~Observer() = default;
 void Observer::onRequest(const ClientRequest& /*request*/) {}
 void Observer::onResponse(const ClientRequest& /*request*/, const ClientResponse* /*response*/,

@@ -32,8 +32,8 @@ RequestLine::RequestLine(RequestFn pipeline, DumpFn dumpPipeline, RestFn awaitPi
 
 std::shared_ptr<ClientResponse> RequestLine::post(std::shared_ptr<ClientRequest> request) {
     const Passage passage(*this);
-    // A copy: what the request holds goes after the passage, for its destruction may close the
-    // line.
+    // Not moved: `request` then dies after `passage`. What it holds may end the manager when it
+    // dies, and that waits until nothing passes any more.
     return passage.isAdmitted() ? pipeline(request) : nullptr;
 }
 

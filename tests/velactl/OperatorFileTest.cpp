@@ -73,7 +73,7 @@ TEST(OperatorFile, EntriesBecomeProfilesAndNotes) {
         // numbers and flags
         {R"(max_conns="65535" max_conns_time="0" wait_time="-1")",
          "~ApnTypesMask=MMS|,MaxPdnsConnPerBlock=65535,MaxPdnConnTimer=0,",
-         "wait_time \"-1\" is no number from 0 to 65535"},
+         "wait_time \"-1\" is not a number from 0 to 65535"},
         {R"(max_conns="99999999999999999999" wait_time="3s")", kMms, "wait_time \"3s\" is no"},
         {R"(skip_464xlat="1" carrier_enabled="false")",
          "~ApnTypesMask=MMS|,IsClatEnabled=false,IsApnDisabled=true,", "disabled by"},

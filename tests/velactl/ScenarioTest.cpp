@@ -43,7 +43,7 @@ TEST_F(Scenarios, TheStoriesThatAreShippedHoldAndRepeatThemselves) {
 
 TEST_F(Scenarios, AFileThatMakesNoSenseIsRefusedBeforeItBegins) {
     const std::pair<const char*, const char*> cases[] = {
-        {"atach a", "\"atach\" is no statement; did you mean \"attach\"?"},
+        {"atach a", "\"atach\" is not a statement; did you mean \"attach\"?"},
         {"forein create", "did you mean \"foreign create\"?"},
         {"service donw", "did you mean \"service down\"?"},
         {"expect nothing", "use expect ok"},
@@ -52,19 +52,19 @@ TEST_F(Scenarios, AFileThatMakesNoSenseIsRefusedBeforeItBegins) {
         {"add --no-clat --clat", "--clat and --no-clat exclude each other"},
         {"add --clat=no", "--clat takes no value"},
         {"add a b", "write it as: add [KEY]"},
-        {"add a --colour red", "\"--colour\" is no option here; use --apn"},
+        {"add a --colour red", "\"--colour\" is not an option here; use --apn"},
         {"add a --apn", "--apn needs a value"},
         {"add a \"--apn\" b", "write it as: add [KEY]"},
         {"modify a", "nothing to change"},
         {"find a --index abc", "\"abc\" must be a whole number from 0 to 255"},
         {"add --ia --tech 3GPP2", "only 3GPP profiles serve the LTE attach"},
-        {"fault bad-luck", "\"bad-luck\" is no fault; use send-failure"},
+        {"fault bad-luck", "\"bad-luck\" is not a fault; use send-failure"},
         {"fault table-full --message list",
          "\"list\" means nothing for table-full; use any or create"},
         {"fault refuse --probability nan", "must be a number from 0 to 1"},
         {"fault refuse --first 0", "whole number from 1"},
-        {"fault send-failure --value 7", "is no messaging error; use -1"},
-        {"foreign create colour=red", "is no setting=value"},
+        {"fault send-failure --value 7", "is not a messaging error; use -1"},
+        {"foreign create colour=red", "is not of the form setting=value"},
         {"foreign create pdp_type=many", "use IPv4, IPv6 or IPv4v6"},
         {"foreign create --tech 3GPP2 --roam-ip IPv4", "has no such setting"},
         {"say \"half", "a quoted word without its closing"},
@@ -212,7 +212,7 @@ TEST_F(Scenarios, AStoryThatFailsTellsItsJournal) {
     const ToolRun json = play(story, {"--json", "--journal"});
     EXPECT_EQ(json.status, 1);
     const auto file = json.json()["files"][0];
-    EXPECT_THAT(file["error"], HasSubstr("story.scn:3: expected otherwise"));
+    EXPECT_THAT(file["error"], HasSubstr("story.scn:3: not as expected"));
     EXPECT_EQ(file["line"], 3);
     EXPECT_EQ(file["played"][0]["index"], 1);
     EXPECT_EQ(file["played"][2]["status"], 1);
@@ -275,9 +275,9 @@ TEST_F(Scenarios, TheShellReadsStatementsFromAPipe) {
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.out, AllOf(HasSubstr("a is "), HasSubstr("--probability"),
                                   Not(HasSubstr("no\n")), Not(HasSubstr("subscription-change"))));
-    EXPECT_THAT(result.err, AllOf(HasSubstr("line 3: \"bogus\" is no statement"),
+    EXPECT_THAT(result.err, AllOf(HasSubstr("line 3: \"bogus\" is not a statement"),
                                   HasSubstr("line 4: write it as: quit"),
-                                  HasSubstr("line 7: \"bogus\" is no statement")));
+                                  HasSubstr("line 7: \"bogus\" is not a statement")));
     EXPECT_EQ(runTool({"--json", "shell"}).status, 2);
 }
 

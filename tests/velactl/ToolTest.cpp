@@ -77,13 +77,13 @@ TEST_F(Tool, BadInputGetsOneClearLineAndLosesNothing) {
     };
     const Case cases[] = {
         {{}, 2, "no verb; velactl help lists them"},
-        {{"lsit"}, 2, "\"lsit\" is no verb; did you mean \"list\"?"},
+        {{"lsit"}, 2, "\"lsit\" is not a verb; did you mean \"list\"?"},
         {{"list", "--jsn"}, 2, "did you mean \"--json\"?"},
         {{"show", "7"}, 1, "no 3GPP profile 7: there is 1"},
         {{"show", ""}, 2, "[ID]: \"\" must be a whole number"},
         {{"attach", "--apn", "x", "--plmn", ""}, 2, "--plmn: the value is empty"},
         {{"provision", "--apns", "/proc/self/mem", "--plmn", "00101"}, 1, "mem: cannot be read"},
-        {{"add", "--types", "default,tv"}, 2, "\"tv\" is none; use default"},
+        {{"add", "--types", "default,tv"}, 2, "\"tv\" is not one of them; use default"},
         {{"add", "--max-conns", "70000"}, 2, "\"70000\" must be a whole number from 0 to 65535"},
         {{"add", "--apn", std::string(151, 'a')}, 2, "151 bytes; a profile holds 150"},
         {{"add", "--apn", "more"}, 1, "refused to create a profile: table full"},

@@ -56,7 +56,7 @@ unsigned randomTypes(Random& random) {
     return random.chance(0.6) ? oneOf(random, kMasks) : 1U << random.below(12);
 }
 
-/** Each with the same probability, but for those that are found by a part of theirs. */
+/** All but the IP types. APN names and types are likelier: filters ask for parts of them, too. */
 void setPlainFields(Random& random, double probability, Params& params) {
     const auto draw = [&](auto set, const auto& pool, double often = 1) {
         maybe(random, often * probability, [&] { (params.*set)(oneOf(random, pool)); });

@@ -15,7 +15,7 @@ namespace {
 using coherence::Operation;
 using coherence::Outcome;
 
-/** A candidate for a shorter run that takes longer hangs. */
+/** While a failing run is shortened, a try that takes longer counts as hanging. */
 constexpr std::chrono::seconds kPatience{20};
 
 /** Many random runs. */

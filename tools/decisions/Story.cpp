@@ -67,7 +67,7 @@ std::string ipText(const Json& candidate) {
 
 std::string makerText(const Json& profile) {
     return profile.contains("made_by") ? "made by " + fieldText("made_by", profile["made_by"])
-                                       : "made by nobody knows whom";
+                                       : "maker unknown";
 }
 
 std::string passedOver(const Json& step, const char* words) {
@@ -284,7 +284,7 @@ Names storyOf(const Json& document) {
         for (const Json& profile : left) {
             story.add(0, "Left behind: " + titleOf(profile, profile) + " is in the modem, " +
                              (profile["persistent"] == true ? "persistent" : "temporary") +
-                             "; this policy made it, and nobody holds it");
+                             "; this policy made it, and no key to it is held");
         }
     }
     return std::move(story.lines);

@@ -223,7 +223,7 @@ class Reader {
             if (error == std::errc() && last == end && value >= 0 && value <= kMaxShort) {
                 set(name, value);
             } else if (!digits.empty()) {
-                note(cite(name) + " is no number from 0 to " + std::to_string(kMaxShort));
+                note(cite(name) + " is not a number from 0 to " + std::to_string(kMaxShort));
             }
         }
     }

@@ -131,9 +131,10 @@ Plmn Plmn::parse(std::string_view text) {
     }
     const bool isNumber = digits.find_first_not_of("0123456789") == std::string::npos;
     if (!isNumber || digits.size() < 5 || digits.size() > 6) {
-        throw badUsage("--plmn: " + inQuotes(text) +
-                       " is no network; write MCC (3 digits) and MNC (2 or 3 digits), as 26201 or "
-                       "310/260");
+        throw badUsage(
+            "--plmn: " + inQuotes(text) +
+            " is not a network; write MCC (3 digits) and MNC (2 or 3 digits), as 26201 or "
+            "310/260");
     }
     return {digits.substr(0, 3), digits.substr(3)};
 }
@@ -260,7 +261,7 @@ std::string OperatorFile::leftOut() const {
 Operator OperatorFile::find(const Plmn& plmn, const std::string& mvno) const {
     if (!mvno.empty() && mvno.find(':') == std::string::npos) {
         throw badUsage("--mvno: " + inQuotes(mvno) +
-                       " is no virtual operator; write TYPE:DATA, as gid:BAE0 or spn:Example");
+                       " is not a virtual operator; write TYPE:DATA, as gid:BAE0 or spn:Example");
     }
     Operator result{plmn, mvno, {}};
     database->forEachEntry({plmn.mcc, plmn.mnc, mvno},

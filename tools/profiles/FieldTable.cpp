@@ -67,7 +67,7 @@ std::size_t readOneOf(std::string_view option, std::string_view text, const Name
     if (const auto place = placeOf(text, words)) {
         return *place;
     }
-    throw badUsage(std::string(option) + ": " + inQuotes(text) + " is none; use " +
+    throw badUsage(std::string(option) + ": " + inQuotes(text) + " is not one of them; use " +
                    alternatives(words));
 }
 

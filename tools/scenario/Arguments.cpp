@@ -39,7 +39,7 @@ const Option& optionNamed(const std::vector<Option>& options, const std::string&
     }
     const Names names = namesIn(options, &Option::name);
     const std::string nearest = nearestOf(names, name);
-    throw badUsage(inQuotes(name) + " is no option here; " +
+    throw badUsage(inQuotes(name) + " is not an option here; " +
                    (names.empty()     ? "there are none"
                     : nearest.empty() ? "use " + alternatives(names)
                                       : "did you mean " + inQuotes(nearest) + "?"));
@@ -98,7 +98,8 @@ bool mayBeSecret(std::string line) {
 }
 
 std::string withoutSecret(const std::string& text) {
-    // An APN that is written like a setting is taken for one: a word does not tell what it is.
+    // A single word does not tell whether it is a setting: an APN name written like one is masked,
+    // too.
     const std::size_t equals = text.find('=');
     const std::string name = toLower(text.substr(0, equals));
     const bool isName = name.find_first_not_of("abcdefghijklmnopqrstuvwxyz_-") == std::string::npos;

@@ -13,11 +13,12 @@ namespace {
 
 void require(bool holds, const std::string& found) {
     if (!holds) {
-        throw refused("expected otherwise: " + found);
+        throw refused("not as expected: " + found);
     }
 }
 
-/** What the library does not say is neither there nor not there. */
+/** During a refresh nothing can be expected of the library: it neither has a profile nor lacks it.
+ */
 void requireAnswers(const Stage& stage) {
     require(!stage.isRefreshing, "the library answers nothing until refresh completed");
 }
@@ -52,7 +53,7 @@ void record(Stage& stage, const Arguments& arguments) {
     requireFields(arguments.fields(), record != nullptr ? record->fields : Json::object());
 }
 
-/** Of things there are as many as the word at a place says. */
+/** There must be as many as the word at that place says; one if the word is missing. */
 void requireCount(std::size_t number, const Arguments& arguments, const std::string& found,
                   const char* noun, std::size_t place = 0) {
     const bool isGiven = place < arguments.words.size();

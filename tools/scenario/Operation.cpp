@@ -30,7 +30,7 @@ Operations collect() {
     return all;
 }
 
-/** Whether it is a word of an operation's name, and stands for itself. */
+/** Whether it is written as it stands, unlike a placeholder. */
 bool isName(const std::string& piece) {
     return piece.find_first_of("[|") == std::string::npos && piece == toLower(piece);
 }
@@ -47,14 +47,14 @@ void verifyWord(const std::string& word, const std::string& placeholder) {
     }
     const std::string error = choices == Names{"N"}    ? wrongNumber(word, 0, kMaxCount)
                               : choices == Names{"ID"} ? wrongNumber(word, 0, kMaxIndex)
-                              : word.empty()           ? "an empty word stands for nothing"
+                              : word.empty()           ? "an empty word means nothing here"
                                                        : "";
     if (!error.empty()) {
         throw badUsage(placeholder + ": " + error);
     }
 }
 
-/** The name that the words may be slips of, as far as they go; empty: nothing is near. */
+/** The operation's name that was probably meant by misspelt words; empty when none is similar. */
 std::string nearestName(const Operations& list, const Names& words) {
     const auto firstOf = [](const Operation& each) { return each.nameWords().front(); };
     const std::string first = nearestOf(namesIn(list, firstOf), words.front());
@@ -148,7 +148,7 @@ Operation operationOf(unsigned place, const Names& words) {
         }
     }
     const std::string nearest = nearestName(operationsAt(place), words);
-    throw badUsage(inQuotes(withoutSecret(words.front())) + " is no " +
+    throw badUsage(inQuotes(withoutSecret(words.front())) + " is not a " +
                    (place == kVerb ? "verb; " : "statement; ") +
                    (!nearest.empty() && nearest != words.front()
                         ? "did you mean " + inQuotes(nearest) + "?"

@@ -61,7 +61,7 @@ class LineEditor {
             });
         ::el_set(line, EL_EDITOR, "emacs");
         ::el_set(line, EL_HIST, ::history, past);
-        // Wide: of other names it makes copies that are never freed.
+        // The wide version: el_set() would copy the names and never free them.
         ::el_wset(line, EL_ADDFN, L"complete", L"complete the word", &complete);
         ::el_set(line, EL_BIND, "^I", "complete", nullptr);
         // While a line is typed, ^C gives up that line and not the modem with all that it holds.
@@ -89,7 +89,7 @@ class LineEditor {
     void remember(const std::string& text) { ::history(past, &event, H_ENTER, text.c_str()); }
 
   private:
-    /** Completes as far as all candidates agree; lists them when they do not. */
+    /** Completes as far as all candidates agree, and lists them where they differ. */
     static unsigned char complete(EditLine* line, int /*key*/) {
         void* stage = nullptr;
         ::el_get(line, EL_CLIENTDATA, &stage);
@@ -146,7 +146,8 @@ void runShell(Stage& stage, const Arguments& /*arguments*/) {
     }
     std::optional<LineEditor> editor;
     if (::isatty(STDIN_FILENO) != 0) {
-        // The letters of the terminal's character set; numbers stay as they are.
+        // The editor reads letters beyond ASCII only in the terminal's locale. Only the characters:
+        // numbers are to be written as in every locale.
         std::setlocale(LC_CTYPE, "");
         editor.emplace(stage);
         stage.story().line("A modem with the library connected. help tells the statements.");

@@ -44,7 +44,7 @@ velasim::Settings settingsFrom(const Arguments& arguments, std::size_t firstWord
         const std::string& word = arguments.words[i];
         const std::string name = word.substr(0, word.find('='));
         if (name == word || std::ranges::count(names, name) == 0) {
-            throw badUsage(inQuotes(name) + " is no setting=value; the settings are " +
+            throw badUsage(inQuotes(name) + " is not of the form setting=value; the settings are " +
                            alternatives(names));
         }
         const std::string value = word.substr(name.size() + 1);
@@ -152,9 +152,10 @@ std::uint32_t valueOf(Fault fault, const Arguments& arguments) {
     const bool isOfMessaging =
         fault == Fault::SendFailure || velasim::pointOf(fault) == velasim::FaultPoint::Connect;
     if (isOfMessaging && arguments.has("--value") && (value < RLINK_ERROR_CLIENT || value > -1)) {
-        throw badUsage("--value: " + std::to_string(value) +
-                       " is no messaging error; use -1 (internal), -2 (service), -3 (time-out), -4 "
-                       "(decode) or -5 (client)");
+        throw badUsage(
+            "--value: " + std::to_string(value) +
+            " is not a messaging error; use -1 (internal), -2 (service), -3 (time-out), -4 "
+            "(decode) or -5 (client)");
     }
     if (value < 0 && !isOfMessaging) {
         throw badUsage("--value: " + std::to_string(value) + ": " + velasim::toString(fault) +
@@ -166,7 +167,7 @@ std::uint32_t valueOf(Fault fault, const Arguments& arguments) {
 velasim::FaultRule ruleOf(const Arguments& arguments) {
     const auto fault = velasim::faultNamed(arguments.word());
     if (!fault) {
-        throw badUsage(inQuotes(arguments.word()) + " is no fault; use " +
+        throw badUsage(inQuotes(arguments.word()) + " is not a fault; use " +
                        alternatives(valuesOf("FAULT")));
     }
     const std::string message = arguments.text("--message", "any");
@@ -174,7 +175,7 @@ velasim::FaultRule ruleOf(const Arguments& arguments) {
     if (fitting.count(message) == 0) {
         throw badUsage("--message: " + inQuotes(message) +
                        (targetsOf().count(message) == 0
-                            ? " is none"
+                            ? " is not a message"
                             : " means nothing for " + velasim::toString(*fault)) +
                        "; use " + alternatives(namesIn(fitting, &Targets::value_type::first)));
     }

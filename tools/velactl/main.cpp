@@ -21,12 +21,12 @@ std::size_t columnsOf(int fd) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    // Standard descriptors that came closed get something that takes no data, so that no file
-    // opened later gets their numbers, and the output with them.
+    // If we were started with standard input, output or error closed, the next file to be opened
+    // would get that number, and our output would go into it. So the number is taken here.
     for (int fd = 0; fd >= 0 && fd <= STDERR_FILENO;) {
         fd = open("/dev/null", O_RDONLY | O_CLOEXEC);
     }
-    // Whoever reads the output may go away: the modem's memory is kept all the same.
+    // A reader of our output that goes away must not end us before the modem's memory is saved.
     std::signal(SIGPIPE, SIG_IGN);
     return velactl::runVelactl(
         {argv + 1, argv + argc},
