@@ -54,6 +54,7 @@ class VELA_API Manager {
      *
      * @param instance modem instance (subscription)
      * @param useAdb log to the Android log; otherwise to the modem's diagnostic log
+     * @throws std::system_error when no thread can be had; nothing has changed but the log then
      */
     void init(int instance, bool useAdb);
 
