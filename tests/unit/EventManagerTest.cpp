@@ -105,6 +105,11 @@ TEST_F(EventManagerTest, OnlyApprovedDescriptorsAreDispatched) {
     EXPECT_EQ(counter.calls, 1);
     events.removeEventHandler(fd.get());
     EXPECT_FALSE(EventManager::isApprovedFd(fd.get()));
+    constexpr int kLast = (1 << 20) - 1;
+    EventManager::addApprovedFd(kLast);
+    EXPECT_TRUE(EventManager::isApprovedFd(kLast) && !EventManager::isApprovedFd(kLast - 1));
+    EventManager::remApprovedFd(kLast);
+    EXPECT_FALSE(EventManager::isApprovedFd(kLast));
     for (const int none : {-1, 1 << 20}) {
         EventManager::addApprovedFd(none);
         EXPECT_FALSE(EventManager::isApprovedFd(none));
