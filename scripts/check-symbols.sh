@@ -3,8 +3,8 @@
 # SPDX-License-Identifier: Apache-2.0
 #
 # usage: check-symbols.sh NM LIBVELAR.SO
-# Fails when the library exports anything that the public headers do not declare, when a class that
-# they export is missing, and when they declare a function that nobody could call.
+# Fails when the library exports anything that the public headers do not declare, when a class or
+# function that they export is missing, and when they declare a function that nobody could call.
 set -euo pipefail
 headers=$(dirname "${BASH_SOURCE[0]}")/../include/vela
 nm=$1
@@ -22,9 +22,10 @@ if [[ -n $extra ]]; then
     exit 1
 fi
 
-for class in $classes; do
-    if ! grep -qE " vela::$class(::|$)" <<<"$symbols"; then
-        printf 'public, but not exported: vela::%s\n' "$class" >&2
+functions=$(sed -nE 's/^VELA_API [^(]* ([a-z][A-Za-z]*)\(.*/\1/p' "$headers"/*.h)
+for name in $classes $functions; do
+    if ! grep -qE " vela::$name(::|\(|$)" <<<"$symbols"; then
+        printf 'public, but not exported: vela::%s\n' "$name" >&2
         exit 1
     fi
 done
