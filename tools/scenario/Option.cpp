@@ -3,7 +3,8 @@
 #include "scenario/Option.h"
 
 #include <algorithm>
-#include <charconv>
+#include <cerrno>
+#include <cstdlib>
 #include <iterator>
 #include <limits>
 
@@ -30,10 +31,13 @@ auto number(std::int64_t lowest, std::int64_t highest) {
 }
 
 void probability(const std::string& name, const std::string& text) {
-    double number = 0;
-    const char* end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, number);
-    if (result.ec != std::errc() || result.ptr != end || !(number >= 0 && number <= 1)) {
+    // Not std::from_chars, which libc++ has for whole numbers only.
+    char* end = nullptr;
+    errno = 0;
+    const double number = std::strtod(text.c_str(), &end);
+    const bool isNumber = !text.empty() && *end == '\0' && errno == 0 &&
+                          text.find_first_not_of("0123456789.e-") == std::string::npos;
+    if (!isNumber || !(number >= 0 && number <= 1)) {
         throw badUsage(name + ": " + inQuotes(text) + " must be a number from 0 to 1");
     }
 }

@@ -43,7 +43,7 @@ velasim::Settings settingsFrom(const Arguments& arguments, std::size_t firstWord
     for (std::size_t i = firstWord; i < arguments.words.size(); ++i) {
         const std::string& word = arguments.words[i];
         const std::string name = word.substr(0, word.find('='));
-        if (name == word || std::ranges::count(names, name) == 0) {
+        if (name == word || std::count(names.begin(), names.end(), name) == 0) {
             throw badUsage(inQuotes(name) + " is not of the form setting=value; the settings are " +
                            alternatives(names));
         }

@@ -116,7 +116,7 @@ void Stage::tellChanges(const char* key, const char* heading) {
         details().line(heading);
     }
     details().changes(changes);
-    std::ranges::copy(changes, std::back_inserter(document()[key]));
+    std::copy(changes.begin(), changes.end(), std::back_inserter(document()[key]));
 }
 
 Json Stage::takeChanges() {

@@ -14,7 +14,7 @@ namespace velactl {
 namespace {
 
 bool isAmong(const Names& words, const char* option) {
-    return std::ranges::count(words, option) != 0;
+    return std::count(words.begin(), words.end(), option) != 0;
 }
 
 /** The words of a verb's statement, which begin with the verb wherever it stands; of a line that
