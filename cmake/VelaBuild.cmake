@@ -4,6 +4,7 @@ set(VELA_SANITIZE "" CACHE STRING "Sanitizers: asan (address, undefined behaviou
 set_property(CACHE VELA_SANITIZE PROPERTY STRINGS "" asan tsan)
 option(VELA_FUZZ "Instrument everything for libFuzzer (clang only)" OFF)
 option(VELA_TOOLS "Build velactl, and on a host the coherence proof" ON)
+option(VELA_LIBEDIT "Let libedit edit the lines that velactl's prompt reads" ON)
 option(VELA_BENCHMARKS "Build the benchmarks" OFF)
 
 set(CMAKE_CXX_STANDARD 20)
