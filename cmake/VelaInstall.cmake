@@ -1,14 +1,50 @@
-# What an installation holds: the library with its headers, and the package files by which CMake and
-# pkg-config find it. On a host also the simulator, which the library is linked to there.
+# What an installation holds: the library with its headers, the package files by which CMake and
+# pkg-config find it, and what the platform file has built for the library to be linked to: on a host
+# the simulator.
 
 include(CMakePackageConfigHelpers)
 
-install(TARGETS vela EXPORT velarTargets)
-install(DIRECTORY include/vela DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+# vela_go_along(PUBLIC|PRIVATE <library>...): appends to the global property VELA_GO_ALONG which targets
+# of this build an exported one needs that is linked to the libraries. Private ones count when they are
+# shared; every other one only hands on what it is linked to itself.
+function(vela_go_along how)
+    get_property(known GLOBAL PROPERTY VELA_GO_ALONG)
+    foreach(target IN LISTS ARGN)
+        string(REGEX REPLACE "^\\$<LINK_ONLY:([^>]*)>$" "\\1" target "${target}")
+        if(NOT TARGET "${target}")
+            continue()
+        endif()
+        get_target_property(aliased ${target} ALIASED_TARGET)
+        if(aliased)
+            set(target ${aliased})
+        endif()
+        get_target_property(type ${target} TYPE)
+        get_target_property(imported ${target} IMPORTED)
+        get_target_property(public ${target} INTERFACE_LINK_LIBRARIES)
+        if(imported OR (how STREQUAL "PRIVATE" AND NOT type STREQUAL "SHARED_LIBRARY"))
+            vela_go_along(${how} ${public})
+        elseif(NOT target IN_LIST known)
+            set_property(GLOBAL APPEND PROPERTY VELA_GO_ALONG ${target})
+            vela_go_along(PUBLIC ${public})
+            if(NOT type STREQUAL "INTERFACE_LIBRARY")
+                get_target_property(private ${target} LINK_LIBRARIES)
+                vela_go_along(PRIVATE ${private})
+            endif()
+        endif()
+        get_property(known GLOBAL PROPERTY VELA_GO_ALONG)
+    endforeach()
+endfunction()
 
-if(TARGET velasim)
-    install(TARGETS velasim platform_headers EXPORT velarTargets)
+vela_go_along(PRIVATE platform::rlink platform::diag platform::log)
+get_property(vela_platform GLOBAL PROPERTY VELA_GO_ALONG)
+if(vela_platform)
+    list(APPEND vela_platform platform_headers)
+    list(REMOVE_DUPLICATES vela_platform)
     install(DIRECTORY platform/include/ DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/velar/platform")
+endif()
+install(TARGETS vela ${vela_platform} EXPORT velarTargets)
+install(DIRECTORY include/vela DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+if(TARGET velasim)
     install(DIRECTORY sim/include/velasim DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 endif()
 if(TARGET velactl)

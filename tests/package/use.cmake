@@ -1,5 +1,6 @@
 # Installs the package into a folder of its own, and builds and tests its consumer there.
 #   cmake -DBUILD=... -DSOURCE=... -DCTEST=... -DOPTIONS=... -P use.cmake
+# With -DPROJECT=... -DPLATFORM=... the package is built first, for another platform.
 string(RANDOM LENGTH 12 name)
 set(folder "${BUILD}/package-test-${name}")
 file(MAKE_DIRECTORY "${folder}")
@@ -13,6 +14,12 @@ function(run)
     endif()
 endfunction()
 
+if(PLATFORM)
+    run(${CMAKE_COMMAND} -S "${PROJECT}" -B "${folder}/build" -G Ninja ${OPTIONS}
+        "-DVELA_PLATFORM=${PLATFORM}" -DVELA_TOOLS=OFF -DBUILD_TESTING=OFF)
+    run(${CMAKE_COMMAND} --build "${folder}/build")
+    set(BUILD "${folder}/build")
+endif()
 run(${CMAKE_COMMAND} --install "${BUILD}" --prefix "${folder}/prefix")
 run(${CTEST} --build-and-test "${SOURCE}" "${folder}/consumer"
     --build-generator Ninja
