@@ -61,5 +61,15 @@ install(FILES
     "${PROJECT_BINARY_DIR}/velarConfig.cmake" "${PROJECT_BINARY_DIR}/velarConfigVersion.cmake"
     DESTINATION "${package_directory}")
 
-configure_file(cmake/velar.pc.in "${PROJECT_BINARY_DIR}/velar.pc" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/velar.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+set(pkgconfig_files velar)
+if(TARGET velasim)
+    # Apart, so that only who asks for the component needs GoogleTest.
+    install(TARGETS vela_testing EXPORT velarTestingTargets)
+    install(EXPORT velarTestingTargets NAMESPACE velar:: DESTINATION "${package_directory}")
+    install(DIRECTORY sim/testing/include/velatesting DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+    list(APPEND pkgconfig_files velasim velar-testing)
+endif()
+foreach(name IN LISTS pkgconfig_files)
+    configure_file(cmake/${name}.pc.in "${PROJECT_BINARY_DIR}/${name}.pc" @ONLY)
+    install(FILES "${PROJECT_BINARY_DIR}/${name}.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+endforeach()

@@ -46,7 +46,7 @@ function(vela_add_test name)
     endif()
     add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
     target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests"
-        "${PROJECT_SOURCE_DIR}/tools")
+        "${PROJECT_SOURCE_DIR}/tools" "${PROJECT_SOURCE_DIR}/sim/testing/include")
     target_link_libraries(${name} PRIVATE ${arg_LIBS} vela_warnings GTest::gmock GTest::gtest_main)
     set(properties TIMEOUT ${arg_TIMEOUT})
     if(arg_LABEL)

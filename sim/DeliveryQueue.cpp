@@ -20,9 +20,9 @@ DeliveryQueue::DeliveryQueue(Journal& journal, DeliveryMode mode)
     : journal(journal), mode(mode), thread([this] { run(); }), threadId(thread.get_id()) {}
 
 DeliveryQueue::Ticket DeliveryQueue::push(Delivery delivery, Place place) {
+    const std::lock_guard lock(mutex);
     const bool isGranted = mode == DeliveryMode::Immediate && place != Place::First;
     auto ticket = std::make_shared<Item>(Item{std::move(delivery), place, isGranted});
-    const std::lock_guard lock(mutex);
     if (closed) {
         ticket->isFinished = true;
         return ticket;
@@ -30,6 +30,17 @@ DeliveryQueue::Ticket DeliveryQueue::push(Delivery delivery, Place place) {
     queue.insert(positionFor(*ticket), ticket);
     workable.notify_one();
     return ticket;
+}
+
+void DeliveryQueue::setMode(DeliveryMode next) {
+    const std::lock_guard lock(mutex);
+    mode = next;
+    for (const auto& ticket : queue) {
+        ticket->isGranted =
+            ticket->isGranted || (mode == DeliveryMode::Immediate && ticket->place != Place::First);
+    }
+    workable.notify_one();
+    settled.notify_all();
 }
 
 std::deque<DeliveryQueue::Ticket>::iterator DeliveryQueue::positionFor(const Item& item) {
@@ -109,10 +120,11 @@ void DeliveryQueue::waitIdle() {
     if (isOwnThread()) {
         return;
     }
-    const bool isStepped = mode == DeliveryMode::Stepped;
     std::unique_lock lock(mutex);
     for (;;) {
-        settled.wait(lock, [&] { return !running && (isStepped || queue.empty() || closed); });
+        settled.wait(lock, [&] {
+            return !running && (mode == DeliveryMode::Stepped || queue.empty() || closed);
+        });
         if (queue.empty() || closed) {
             return;
         }

@@ -47,6 +47,9 @@ class DeliveryQueue {
     /** After close(), nothing is queued any more. */
     Ticket push(Delivery delivery, Place place);
 
+    /** From now on; Immediate also for what is queued. */
+    void setMode(DeliveryMode next);
+
     /** In Stepped mode too; waits until it has been made or dropped. On the queue's own thread:
      * does not wait. */
     void deliver(const Ticket& ticket);
@@ -74,12 +77,11 @@ class DeliveryQueue {
     bool isOwnThread() const { return std::this_thread::get_id() == threadId; }
 
     Journal& journal;
-    const DeliveryMode mode;
-
     mutable std::mutex mutex;
     std::condition_variable workable;
     std::condition_variable settled;
     // Guarded by `mutex`.
+    DeliveryMode mode;
     std::deque<Ticket> queue;
     Ticket running;
     bool closed = false;

@@ -30,6 +30,9 @@ void Simulator::restart() {
     platform->restart();
 }
 
+void Simulator::setDelivery(DeliveryMode mode) {
+    platform->runtime.deliveries().setMode(mode);
+}
 std::size_t Simulator::pendingDeliveries() const {
     return platform->runtime.deliveries().size();
 }

@@ -312,19 +312,19 @@ TEST_F(BoundaryTest, WhatTheMessagingLibraryIsGiven) {
     EXPECT_EQ(logged("RlinkWdsProxy notify cb: unsupported service event"), 1U);
     EXPECT_EQ(logged("RlinkWdsProxy service is up, trying to initialize svc client"), 0U);
 
-    sim.serviceDown();
+    modem.serviceDown();
     settle();
     given.onError(nullptr, RLINK_ERROR_SERVICE, given.proxy);
     settle();
     given.onError(nullptr, RLINK_ERROR_SERVICE, given.proxy);
     settle();
-    EXPECT_EQ(sim.openHandles(), 1U) << "one outage, one notifier";
+    EXPECT_EQ(modem.openHandles(), 1U) << "one outage, one notifier";
 
-    sim.serviceUp();
+    modem.serviceUp();
     settle();
     given.onNotify(nullptr, nullptr, RLINK_SERVICE_AVAILABLE, given.proxy);
     settle();
-    EXPECT_EQ(sim.openHandles(), 1U) << "one client, however often the service comes";
+    EXPECT_EQ(modem.openHandles(), 1U) << "one client, however often the service comes";
 
     fault(velasim::Fault::ClientInitFailure);
     manager.init(0, false);

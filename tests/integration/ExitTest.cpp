@@ -143,7 +143,7 @@ TEST_F(Inside, AnotherInitAnswersEveryCallBeforeAndAfter) {
     }
     for (int round = 0; round < 20; ++round) {
         manager.init(0, false);
-        sim.waitSubscribed();
+        modem.waitSubscribed();
         reload();
         EXPECT_EQ(manager.filter(FilterProfileParams()).size(), 1U);
     }

@@ -62,7 +62,7 @@ TEST_F(LogLevelTest, EveryOperation) {
         change(1, user);
         settle();
     }
-    sim.restart();
+    modem.restart();
     settle();
     EXPECT_EQ(transcript(capture), R"(
 5 Manager::addProfile > Add 3GPP persist=true: ApnName=Net,HomeIPType=V4V6,IsIAProfile=false,

@@ -187,7 +187,7 @@ class ObserverTest : public ClientFixture {
                 {"no change", [&] { modify("user=bob", key); }},
                 {"listen", [&, listener] { key->registerExpirationListener(listener); }},
                 {"delete", [&] { manager.deleteProfile(key); }},
-                {"create", [&] { sim.foreignCreate(0, Technology::ThreeGpp2, {}); }},
+                {"create", [&] { modem.foreignCreate(0, Technology::ThreeGpp2, {}); }},
                 {"gone", [&] { manager.match(FilterProfileParams(), key); }},
                 {"drop", [&] { add("apn=c", false).reset(); }},
                 {"block", [&] { manager.refresh(PDCRefreshStatus::RefreshStarted); }},
@@ -203,19 +203,19 @@ class ObserverTest : public ClientFixture {
             };
         };
         const auto inject = [&](const std::vector<std::uint8_t>& bytes, std::uint32_t message) {
-            return [this, bytes, message] { sim.injectIndication(bytes, message); };
+            return [this, bytes, message] { modem.injectIndication(bytes, message); };
         };
         return {{"store", [&] { store("apn_name=a"); }},
-                {"ready", [&] { sim.profileReady(0); }},
+                {"ready", [&] { modem.profileReady(0); }},
                 {"change", [&] { change(1, "user_name=eve"); }},
-                {"create", [&] { sim.foreignCreate(0, Technology::ThreeGpp2, {}); }},
-                {"delete", [&] { sim.foreignDelete(0, Technology::ThreeGpp2, 1); }},
+                {"create", [&] { modem.foreignCreate(0, Technology::ThreeGpp2, {}); }},
+                {"delete", [&] { modem.foreignDelete(0, Technology::ThreeGpp2, 1); }},
                 {"says nothing", inject({0x11, 0, 0}, 0xA8)},
                 {"undecodable", inject({0x10, 9}, 0xA8)},
                 {"unknown", inject({0x10, 9}, 0x77)},
-                {"down", [&] { sim.serviceDown(); }},
+                {"down", [&] { modem.serviceDown(); }},
                 {"reload", [&] { reload(); }},
-                {"up", [&] { sim.serviceUp(); }},
+                {"up", [&] { modem.serviceUp(); }},
                 {"no client", initAfter(Fault::ClientInitFailure)},
                 {"no service", initAfter(Fault::NoServiceInstance)}};
     }
@@ -289,7 +289,7 @@ TEST_F(ObserverTest, ObserversDisturbNothing) {
     std::set<std::string> logs;
     for (const bool isFaulty : {false, true}) {
         for (const bool isInstalled : {false, true}) {
-            EXPECT_EQ(sim.restore({}), "");
+            EXPECT_EQ(modem.restore({}), "");
             key.reset();
             temporary.reset();
             notes = std::make_shared<Notebook>(isFaulty);
@@ -333,8 +333,8 @@ TEST_F(ObserverTest, MessagesAndTheirOutcomes) {
         {Fault::RestartAfterEffect, 0, " lost 0 -2"}};
     for (const auto& [type, purpose, act] : messages) {
         for (const auto& [reason, value, outcome] : outcomes) {
-            EXPECT_EQ(sim.restore({}), "");
-            sim.faults().clear();
+            EXPECT_EQ(modem.restore({}), "");
+            modem.faults().clear();
             connect(manager);
             key = add("apn=net user=bob");
             settle();
@@ -381,7 +381,7 @@ TEST_F(ObserverTest, EveryCriterionByItsName) {
 
 TEST_F(ObserverTest, WhoMadeAProfileAndWhetherItStays) {
     for (const bool isPersistent : {false, true}) {
-        EXPECT_EQ(sim.restore({}), "");
+        EXPECT_EQ(modem.restore({}), "");
         reload();
         key = add("apn=a", isPersistent);
         for (const bool isRead : {false, true}) {

@@ -31,12 +31,12 @@ TEST_F(PipelineTest, CallbacksMayDropKeys) {
     const Key* doomed = nullptr;
     const std::pair<std::function<void()>, bool> endsAndWhetherTheOtherIsStillKnown[] = {
         {[&] { EXPECT_TRUE(manager.deleteProfile(*doomed)); }, true},
-        {[&] { sim.foreignDelete(0, Technology::ThreeGpp, 1); }, true},
+        {[&] { modem.foreignDelete(0, Technology::ThreeGpp, 1); }, true},
         {[&] { change(1, "user_name=eve"); }, true},
         {[&] { reload(); }, false},
         {[&] { start(); }, false}};
     for (const auto& [end, known] : endsAndWhetherTheOtherIsStillKnown) {
-        EXPECT_EQ(sim.restore({}), "");
+        EXPECT_EQ(modem.restore({}), "");
         reload();
         Key key = add("apn=net");
         const auto other = std::make_shared<Key>(add("apn=temp", false));
@@ -47,9 +47,9 @@ TEST_F(PipelineTest, CallbacksMayDropKeys) {
         key->registerExpirationListener([key, other] { other->reset(); });
         key.reset();
         EXPECT_FALSE(watch.expired()) << "the callback holds it";
-        sim.journal().clear();
+        modem.journal().clear();
         end();
-        EXPECT_TRUE(!known || sim.journal().waitFor([](const auto& entries) {
+        EXPECT_TRUE(!known || modem.journal().waitFor([](const auto& entries) {
             return std::any_of(entries.begin(), entries.end(), [](const auto& entry) {
                 return entry.kind == velasim::JournalKind::Request && entry.index == 2;
             });
@@ -79,7 +79,7 @@ TEST_F(PipelineTest, CallbacksMayNotWait) {
     EXPECT_EQ(logged("Unable to cast to AddResponse"), 1U);
     EXPECT_EQ(logged("Error in getProfile"), 1U);
     EXPECT_NE(add("apn=new"), nullptr) << "all is well afterwards";
-    expectCacheEqualsModem();
+    EXPECT_TRUE(agrees());
 }
 
 // ---- life
@@ -156,11 +156,11 @@ TEST_F(PipelineTest, RegistersAgainAfterEveryOutage) {
     events[8] = events[12] = 0xFF;
     for (const std::uint8_t instance : Bytes{0, 1, 1}) {
         connect(manager, instance);
-        sim.journal().clear();
-        sim.restart();
+        modem.journal().clear();
+        modem.restart();
         settle();
         std::vector<std::pair<std::uint32_t, Bytes>> sent;
-        for (const auto& entry : sim.journal().snapshot()) {
+        for (const auto& entry : modem.journal().snapshot()) {
             if (entry.kind == velasim::JournalKind::Request) {
                 sent.emplace_back(entry.messageId, entry.bytes);
             }
@@ -180,7 +180,7 @@ send-failure | 167 | 0 | Unable send config req message | 3;;
 no-service-instance | 0 | 0 | error get service. | 0;;
 client-init-failure | 0 | 7 | rlink_client_init error. ErrCode : 7 | 0;;
 error-callback-failure | 0 | 5 | rlink_client_register_error_cb result: 5 | 3;;)")) {
-        sim.journal().clear();
+        modem.journal().clear();
         velasim::DiagLog::instance().clear();
         const auto number = [&row](std::size_t cell) {
             return static_cast<std::uint32_t>(std::stoul(row[cell]));
@@ -213,9 +213,9 @@ TEST_F(PipelineTest, IndicationsOfEveryKind) {
         {{0x10, 9}, 0xA8, "Unable to decode the nr status ind message", 0},
         {{}, 0xA8, "The ind_cb_data/ind_buf is null or ind_buf_len is 0", 0}};
     for (const auto& [bytes, message, line, lists] : cases) {
-        sim.journal().clear();
+        modem.journal().clear();
         velasim::DiagLog::instance().clear();
-        sim.injectIndication(bytes, message);
+        modem.injectIndication(bytes, message);
         settle();
         EXPECT_EQ(logged(line), 1U) << line;
         EXPECT_EQ(requests(), lists) << line;
@@ -224,16 +224,16 @@ TEST_F(PipelineTest, IndicationsOfEveryKind) {
 
 TEST_F(PipelineTest, AFloodOfIndicationsLeavesRoomForRequests) {
     struct Flood : Observer {
-        explicit Flood(velasim::Simulator& sim) : sim(sim) {}
+        explicit Flood(velasim::Simulator& modem) : modem(modem) {}
         void onIndication(const ModemIndication& /*indication*/) override {
-            sim.injectIndication(indicationOf(0, 9, 2));
-            sim.waitIdle();  // the next one waits before this one is done
+            modem.injectIndication(indicationOf(0, 9, 2));
+            modem.waitIdle();  // the next one waits before this one is done
         }
-        velasim::Simulator& sim;
+        velasim::Simulator& modem;
     };
     start();
-    setObserver(std::make_shared<Flood>(sim));
-    sim.injectIndication(indicationOf(0, 9, 2));
+    setObserver(std::make_shared<Flood>(modem));
+    modem.injectIndication(indicationOf(0, 9, 2));
     for (int i = 0; i < 10; ++i) {
         EXPECT_THAT(find(""), IsEmpty());
     }
@@ -251,7 +251,7 @@ TEST_F(PipelineTest, NothingFromTheModemIsTrusted) {
 
     // 255 entries at most; those that the modem did not name cannot be read.
     fault(Fault::ListOverrun, RLINK_WDS_GET_PROFILE_LIST_REQ_V01);
-    sim.journal().clear();
+    modem.journal().clear();
     reload();
     EXPECT_EQ(requests(RLINK_WDS_GET_PROFILE_SETTINGS_REQ_V01), 256U);
     EXPECT_THAT(find(""), SizeIs(3));

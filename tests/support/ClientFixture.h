@@ -15,8 +15,7 @@
 #include "support/TextTables.h"
 #include "vela/Manager.h"
 #include "velasim/DiagLog.h"
-#include "velasim/Settle.h"
-#include "velasim/Simulator.h"
+#include "velatesting/ModemTest.h"
 
 namespace vela {
 
@@ -25,33 +24,20 @@ using Keys = std::list<Key>;
 using velasim::Technology;
 
 /** A simulated modem and a client of it, whose log lines go to the diagnostic log. */
-class ClientFixture : public testing::Test {
+class ClientFixture : public velatesting::ModemTest {
   protected:
-    ClientFixture() : own(std::make_unique<Manager>()), manager(*own) {}
+    ClientFixture() : ClientFixture(std::make_unique<Manager>()) {}
     /** On a manager that lives longer. */
     explicit ClientFixture(Manager& existing, const velasim::SimulatorOptions& options = {})
-        : sim(options), manager(existing) {}
+        : ModemTest(options, existing) {}
+
+    void SetUp() override {}
 
     /** Connects, and loads the cache. The log and the journal start here. */
-    void start() {
-        connect(manager);
-        velasim::DiagLog::instance().clear();
-        sim.journal().clear();
-    }
+    void start() { ModemTest::connect(); }
 
-    void connect(Manager& client, int instance = 0) {
-        client.init(instance, false);
-        settle(client);
-        ASSERT_GE(sim.subscribedClients(instance), 1U);
-        reload(client);
-    }
-
-    static void reload(Manager& client) { client.refresh(PDCRefreshStatus::RefreshCompleted); }
-    void reload() { reload(manager); }
-
-    /** All callbacks have been made, and the worker has handled what they signalled. */
-    void settle(Manager& client) { velasim::settle(client, sim); }
-    void settle() { settle(manager); }
+    using ModemTest::connect;
+    void connect(Manager& client) { connect(client, 0); }
 
     Key add(const std::string& line, bool persistent = true,
             TechType techType = TechType::TECH_3GPP) {
@@ -85,26 +71,23 @@ class ClientFixture : public testing::Test {
 
     /** Puts a profile into the modem, unannounced; 3GPP2 when a setting says so. */
     void store(const std::string& line) {
-        EXPECT_TRUE(sim.storeProfile(0, technologyOf(line), settingsOf(line))) << line;
+        EXPECT_TRUE(modem.storeProfile(0, technologyOf(line), settingsOf(line))) << line;
     }
     void change(int index, const std::string& line) {
-        EXPECT_TRUE(sim.foreignModify(0, technologyOf(line), index, settingsOf(line))) << line;
+        EXPECT_TRUE(modem.foreignModify(0, technologyOf(line), index, settingsOf(line))) << line;
     }
     /** `line` with the values that the modem has; empty for a profile that it has not. */
     std::string stored(int index, const std::string& line) {
-        const auto profile = sim.profile(0, technologyOf(line), index);
+        const auto profile = modem.profile(0, technologyOf(line), index);
         return profile ? valuesOf(profile->settings, line) : "";
     }
     std::size_t profilesInModem() {
-        return sim.profiles(0, Technology::ThreeGpp).size() +
-               sim.profiles(0, Technology::ThreeGpp2).size();
-    }
-    std::size_t requests(std::uint32_t messageId = velasim::kAnyMessage) {
-        return sim.journal().count(velasim::JournalKind::Request, messageId);
+        return modem.profiles(0, Technology::ThreeGpp).size() +
+               modem.profiles(0, Technology::ThreeGpp2).size();
     }
     void fault(velasim::Fault fault, std::uint32_t messageId = velasim::kAnyMessage,
                std::uint32_t first = 1, std::uint32_t count = 1, std::uint32_t value = 0) {
-        sim.faults().add({fault, messageId, first, 1, count, 1.0, value, {}, {}});
+        modem.faults().add({fault, messageId, first, 1, count, 1.0, value, {}, {}});
     }
 
     /** How many lines of the log are `line`, or start with it when it ends in "*". */
@@ -118,39 +101,15 @@ class ClientFixture : public testing::Test {
         return static_cast<std::size_t>(count);
     }
 
-    /** The lines of a part of the dump from their `separator` on: profiles, expected changes. */
-    static std::vector<std::string> dumped(Manager& client, const std::string& part,
-                                           const std::string& separator) {
-        std::vector<std::string> texts;
-        const auto lines = client.dump();
-        auto line = std::find(lines.begin(), lines.end(), part);
-        while (line != lines.end() && ++line != lines.end() && line->rfind("  ", 0) == 0) {
-            texts.push_back(line->substr(line->find(separator) + 2));
-        }
-        return texts;
-    }
-    static std::vector<std::string> cached(Manager& client) {
-        return dumped(client, "Cache:", ": ");
-    }
+    /** What the client holds, without the library's numbering. */
+    static std::vector<std::string> cached(Manager& client) { return profilesOf(client); }
     std::vector<std::string> cached() { return cached(manager); }
 
-    /** The client holds what one sees that has just read the modem, and waits for nothing. */
-    void expectCacheEqualsModem() {
-        settle();
-        EXPECT_THAT(dumped(manager, "Pending:", "  "), testing::IsEmpty());
-        Manager other;
-        connect(other);
-        EXPECT_EQ(cached(other).size(), profilesInModem());
-        EXPECT_THAT(cached(), testing::UnorderedElementsAreArray(cached(other)));
-    }
-
-    velasim::Simulator sim;
-
   private:
-    const std::unique_ptr<Manager> own;
+    explicit ClientFixture(std::unique_ptr<Manager> made)
+        : ModemTest({}, *made), own(std::move(made)) {}
 
-  protected:
-    Manager& manager;
+    const std::unique_ptr<Manager> own;
 };
 
 }  // namespace vela

@@ -64,6 +64,9 @@ class VELASIM_API Simulator {
 
     // ---- callbacks ----
 
+    /** When callbacks are made from now on; Immediate also makes those that are queued. */
+    void setDelivery(DeliveryMode mode);
+
     /** Callbacks that are queued. An indication that a fault holds back counts once it is queued.
      */
     std::size_t pendingDeliveries() const;
