@@ -8,9 +8,9 @@
 #include <iterator>
 #include <utility>
 
-#include "Platform.h"
 #include "RequestSummary.h"
 #include "ResponseFaults.h"
+#include "SimulatedPlatform.h"
 
 namespace velasim {
 
@@ -24,7 +24,7 @@ int valueOr(const FiredFault& fault, int other) {
 
 }  // namespace
 
-Exchange::Exchange(Platform& platform, std::uint32_t client, std::uint32_t messageId,
+Exchange::Exchange(SimulatedPlatform& platform, std::uint32_t client, std::uint32_t messageId,
                    std::span<const std::uint8_t> request, std::span<std::uint8_t> response,
                    unsigned timeoutMs)
     : platform(platform),

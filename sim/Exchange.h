@@ -13,12 +13,12 @@
 
 namespace velasim {
 
-class Platform;
+class SimulatedPlatform;
 
 /** One request on its way through the modem and the faults that strike it. Used once. */
 class Exchange {
   public:
-    Exchange(Platform& platform, std::uint32_t client, std::uint32_t messageId,
+    Exchange(SimulatedPlatform& platform, std::uint32_t client, std::uint32_t messageId,
              std::span<const std::uint8_t> request, std::span<std::uint8_t> response,
              unsigned timeoutMs);
 
@@ -39,7 +39,7 @@ class Exchange {
     int timeOut(Lock& lock);
     int finish(int result);
 
-    Platform& platform;
+    SimulatedPlatform& platform;
     const std::uint32_t client;
     const std::uint32_t messageId;
     const std::span<const std::uint8_t> request;

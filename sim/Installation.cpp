@@ -9,7 +9,7 @@ namespace velasim {
 namespace {
 
 // Handles look like addresses of objects: aligned, and not next to null.
-constexpr Platform::Handle kHandleStep = 16;
+constexpr SimulatedPlatform::Handle kHandleStep = 16;
 
 }  // namespace
 
@@ -18,29 +18,29 @@ Installation& Installation::process() {
     return *installation;
 }
 
-void Installation::add(std::shared_ptr<Platform> platform) {
+void Installation::add(std::shared_ptr<SimulatedPlatform> platform) {
     const std::lock_guard lock(mutex);
     entries.push_back({++lastSerial, std::move(platform)});
 }
 
-void Installation::remove(const Platform* platform) {
+void Installation::remove(const SimulatedPlatform* platform) {
     const std::lock_guard lock(mutex);
     std::erase_if(entries, [&](const Entry& entry) { return entry.platform.get() == platform; });
 }
 
-std::shared_ptr<Platform> Installation::newest() {
+std::shared_ptr<SimulatedPlatform> Installation::newest() {
     const std::lock_guard lock(mutex);
     return entries.empty() ? nullptr : entries.back().platform;
 }
 
-std::shared_ptr<Platform> Installation::bySerial(std::uint64_t serial) {
+std::shared_ptr<SimulatedPlatform> Installation::bySerial(std::uint64_t serial) {
     const std::lock_guard lock(mutex);
     const auto found = std::find_if(entries.begin(), entries.end(),
                                     [&](const Entry& entry) { return entry.serial == serial; });
     return found == entries.end() ? nullptr : found->platform;
 }
 
-std::shared_ptr<Platform> Installation::ownerOf(Platform::Handle handle) {
+std::shared_ptr<SimulatedPlatform> Installation::ownerOf(SimulatedPlatform::Handle handle) {
     const std::lock_guard lock(mutex);
     const auto found = std::find_if(entries.begin(), entries.end(), [&](const Entry& entry) {
         return entry.platform->runtime.owns(handle);
@@ -48,7 +48,7 @@ std::shared_ptr<Platform> Installation::ownerOf(Platform::Handle handle) {
     return found == entries.end() ? nullptr : found->platform;
 }
 
-std::uint64_t Installation::serialOf(const Platform* platform) {
+std::uint64_t Installation::serialOf(const SimulatedPlatform* platform) {
     const std::lock_guard lock(mutex);
     const auto found = std::find_if(entries.begin(), entries.end(), [&](const Entry& entry) {
         return entry.platform.get() == platform;
@@ -56,7 +56,7 @@ std::uint64_t Installation::serialOf(const Platform* platform) {
     return found == entries.end() ? 0 : found->serial;
 }
 
-Platform::Handle Installation::newHandle() {
+SimulatedPlatform::Handle Installation::newHandle() {
     const std::lock_guard lock(mutex);
     lastHandle += kHandleStep;
     return lastHandle;

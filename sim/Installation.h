@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "Platform.h"
+#include "SimulatedPlatform.h"
 
 namespace velasim {
 
@@ -21,23 +21,23 @@ class Installation {
   public:
     static Installation& process();
 
-    void add(std::shared_ptr<Platform> platform);
-    void remove(const Platform* platform);
+    void add(std::shared_ptr<SimulatedPlatform> platform);
+    void remove(const SimulatedPlatform* platform);
 
     /** Null when there is none, here and below. */
-    std::shared_ptr<Platform> newest();
-    std::shared_ptr<Platform> bySerial(std::uint64_t serial);
-    std::shared_ptr<Platform> ownerOf(Platform::Handle handle);
+    std::shared_ptr<SimulatedPlatform> newest();
+    std::shared_ptr<SimulatedPlatform> bySerial(std::uint64_t serial);
+    std::shared_ptr<SimulatedPlatform> ownerOf(SimulatedPlatform::Handle handle);
 
     /** Not 0; tells one platform from others before and after it. */
-    std::uint64_t serialOf(const Platform* platform);
+    std::uint64_t serialOf(const SimulatedPlatform* platform);
 
-    Platform::Handle newHandle();
+    SimulatedPlatform::Handle newHandle();
 
   private:
     struct Entry {
         std::uint64_t serial;
-        std::shared_ptr<Platform> platform;
+        std::shared_ptr<SimulatedPlatform> platform;
     };
 
     Installation() = default;
@@ -46,7 +46,7 @@ class Installation {
     // Guarded by `mutex`.
     std::vector<Entry> entries;
     std::uint64_t lastSerial = 0;
-    Platform::Handle lastHandle = 0;
+    SimulatedPlatform::Handle lastHandle = 0;
 };
 
 }  // namespace velasim

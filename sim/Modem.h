@@ -16,7 +16,7 @@ namespace velasim {
 /**
  * One modem instance's memory: a table of profiles per technology. No threads, no clock, no
  * clients; it is told what happens and says what a modem would say. Takes no lock: its owner,
- * Platform, calls it under its own.
+ * SimulatedPlatform, calls it under its own.
  */
 class Modem {
   public:

@@ -20,15 +20,15 @@ struct rlink_service_object {
 namespace {
 
 using velasim::Installation;
-using velasim::Platform;
+using velasim::SimulatedPlatform;
 
 constexpr rlink_service_object kWdsService{WDS_INTERFACE_MAJOR_V01};
 
-Platform::Handle handleOf(rlink_client_type client) {
-    return reinterpret_cast<Platform::Handle>(client);
+SimulatedPlatform::Handle handleOf(rlink_client_type client) {
+    return reinterpret_cast<SimulatedPlatform::Handle>(client);
 }
 
-std::shared_ptr<Platform> ownerOf(rlink_client_type client) {
+std::shared_ptr<SimulatedPlatform> ownerOf(rlink_client_type client) {
     return client == nullptr ? nullptr : Installation::process().ownerOf(handleOf(client));
 }
 

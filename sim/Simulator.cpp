@@ -3,12 +3,12 @@
 #include "velasim/Simulator.h"
 
 #include "Installation.h"
-#include "Platform.h"
+#include "SimulatedPlatform.h"
 
 namespace velasim {
 
 Simulator::Simulator(const SimulatorOptions& options)
-    : platform(std::make_shared<Platform>(options)) {
+    : platform(std::make_shared<SimulatedPlatform>(options)) {
     Installation::process().add(platform);
 }
 

@@ -18,7 +18,7 @@ namespace velasim {
  * The wireless data service: a table from message to handler. Translates requests to operations of
  * the modems and knows what each client has bound, registered and configured. Clients are known
  * by number; how their messages get here is the concern of others. Takes no lock: its owner,
- * Platform, calls it under its own.
+ * SimulatedPlatform, calls it under its own.
  */
 class WdsService {
   public:

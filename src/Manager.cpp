@@ -162,7 +162,7 @@ std::shared_ptr<Response> Manager::process(const char* operation, const char* ca
     return expected;
 }
 
-bool Manager::isInitialized() const {
+bool Manager::checkInitialized() const {
     const bool isConnected = connection() != nullptr;
     if (!isConnected) {
         log(LogLevel::Error, "Manager not initialized!");
@@ -171,7 +171,7 @@ bool Manager::isInitialized() const {
 }
 
 std::shared_ptr<IProfileKey> Manager::addProfile(const AddProfileParams& params) {
-    if (!isInitialized()) {
+    if (!checkInitialized()) {
         return nullptr;
     }
     const auto response = process<AddResponse>("addProfile", "Unable to cast to AddResponse",
@@ -180,7 +180,7 @@ std::shared_ptr<IProfileKey> Manager::addProfile(const AddProfileParams& params)
 }
 
 bool Manager::modifyProfile(const ModifyProfileParams& params, std::shared_ptr<IProfileKey> key) {
-    if (!isInitialized()) {
+    if (!checkInitialized()) {
         return false;
     }
     const auto response =
@@ -190,7 +190,7 @@ bool Manager::modifyProfile(const ModifyProfileParams& params, std::shared_ptr<I
 }
 
 bool Manager::deleteProfile(std::shared_ptr<IProfileKey> key) {
-    if (!isInitialized()) {
+    if (!checkInitialized()) {
         return false;
     }
     const auto response =
@@ -200,7 +200,7 @@ bool Manager::deleteProfile(std::shared_ptr<IProfileKey> key) {
 }
 
 std::list<std::shared_ptr<IProfileKey>> Manager::filter(const FilterProfileParams& params) {
-    if (!isInitialized()) {
+    if (!checkInitialized()) {
         return {};
     }
     const auto response = process<FilterResponse>("filter", "Unable to cast to FilterResponse",
@@ -209,7 +209,7 @@ std::list<std::shared_ptr<IProfileKey>> Manager::filter(const FilterProfileParam
 }
 
 std::optional<ProfileParams> Manager::getProfile(std::shared_ptr<IProfileKey> key) {
-    if (!isInitialized()) {
+    if (!checkInitialized()) {
         return std::nullopt;
     }
     const auto response = process<GetResponse>("getProfile", "Error in getProfile",
@@ -221,7 +221,7 @@ std::optional<ProfileParams> Manager::getProfile(std::shared_ptr<IProfileKey> ke
 }
 
 bool Manager::match(const FilterProfileParams& params, std::shared_ptr<IProfileKey> key) {
-    if (!isInitialized()) {
+    if (!checkInitialized()) {
         return false;
     }
     const auto response =
@@ -231,7 +231,7 @@ bool Manager::match(const FilterProfileParams& params, std::shared_ptr<IProfileK
 }
 
 void Manager::refresh(PDCRefreshStatus status) {
-    if (!isInitialized()) {
+    if (!checkInitialized()) {
         return;
     }
     if (process<RefreshResponse>("refresh", "Unable to cast to RefreshResponse",

@@ -9,7 +9,7 @@
 #include "DumpText.h"
 #include "MessagePart.h"
 #include "ModemConversions.h"
-#include "ProfileField.h"
+#include "SharedField.h"
 
 namespace vela {
 namespace {
@@ -27,16 +27,15 @@ void readRoamIPType(std::uint8_t valid, const wds_common_pdp_type_enum_v01& type
 
 struct Modem3gppProfile::Fields {
     static constexpr auto kOwn = std::tuple(
-        ProfileField{&ProfileParams::hasMaxPdnsConnPerBlock, &ProfileParams::getMaxPdnsConnPerBlock,
-                     &ProfileParams::setMaxPdnsConnPerBlock,
-                     &Modem3gppProfile::maxPdnsConnPerBlock},
-        ProfileField{&ProfileParams::hasMaxPdnConnTimer, &ProfileParams::getMaxPdnConnTimer,
-                     &ProfileParams::setMaxPdnConnTimer, &Modem3gppProfile::maxPdnConnTimer},
-        ProfileField{&ProfileParams::hasPdnReqWaitInterval, &ProfileParams::getPdnReqWaitInterval,
-                     &ProfileParams::setPdnReqWaitInterval, &Modem3gppProfile::pdnReqWaitInterval},
-        ProfileField{&ProfileParams::hasIsApnDisabled, &ProfileParams::getIsApnDisabled,
-                     &ProfileParams::setIsApnDisabled, &Modem3gppProfile::isApnDisabled},
-        ProfileField{
+        SharedField{&ProfileParams::hasMaxPdnsConnPerBlock, &ProfileParams::getMaxPdnsConnPerBlock,
+                    &ProfileParams::setMaxPdnsConnPerBlock, &Modem3gppProfile::maxPdnsConnPerBlock},
+        SharedField{&ProfileParams::hasMaxPdnConnTimer, &ProfileParams::getMaxPdnConnTimer,
+                    &ProfileParams::setMaxPdnConnTimer, &Modem3gppProfile::maxPdnConnTimer},
+        SharedField{&ProfileParams::hasPdnReqWaitInterval, &ProfileParams::getPdnReqWaitInterval,
+                    &ProfileParams::setPdnReqWaitInterval, &Modem3gppProfile::pdnReqWaitInterval},
+        SharedField{&ProfileParams::hasIsApnDisabled, &ProfileParams::getIsApnDisabled,
+                    &ProfileParams::setIsApnDisabled, &Modem3gppProfile::isApnDisabled},
+        SharedField{
             &ProfileParams::hasIsEmergencySupported, &ProfileParams::getIsEmergencySupported,
             &ProfileParams::setIsEmergencySupported, &Modem3gppProfile::isEmergencySupported});
     static constexpr auto kIPTypes =

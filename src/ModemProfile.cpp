@@ -12,7 +12,7 @@
 #include "LogWrapper.h"
 #include "MessagePart.h"
 #include "ModemConversions.h"
-#include "ProfileField.h"
+#include "SharedField.h"
 
 namespace vela {
 namespace {
@@ -36,16 +36,16 @@ void copyIfPresent(const std::optional<Value>& from, std::optional<Value>& to) {
 
 struct ModemProfile::Fields {
     static constexpr auto kSame =
-        std::tuple(ProfileField{&ProfileParams::hasUserName, &ProfileParams::getUserName,
-                                &ProfileParams::setUserName, &ModemProfile::userName},
-                   ProfileField{&ProfileParams::hasPassword, &ProfileParams::getPassword,
-                                &ProfileParams::setPassword, &ModemProfile::password},
-                   ProfileField{&ProfileParams::hasAuthType, &ProfileParams::getAuthType,
-                                &ProfileParams::setAuthType, &ModemProfile::authType},
-                   ProfileField{&ProfileParams::hasApnClass, &ProfileParams::getApnClass,
-                                &ProfileParams::setApnClass, &ModemProfile::apnClass},
-                   ProfileField{&ProfileParams::hasIsClatEnabled, &ProfileParams::getIsClatEnabled,
-                                &ProfileParams::setIsClatEnabled, &ModemProfile::isClatEnabled});
+        std::tuple(SharedField{&ProfileParams::hasUserName, &ProfileParams::getUserName,
+                               &ProfileParams::setUserName, &ModemProfile::userName},
+                   SharedField{&ProfileParams::hasPassword, &ProfileParams::getPassword,
+                               &ProfileParams::setPassword, &ModemProfile::password},
+                   SharedField{&ProfileParams::hasAuthType, &ProfileParams::getAuthType,
+                               &ProfileParams::setAuthType, &ModemProfile::authType},
+                   SharedField{&ProfileParams::hasApnClass, &ProfileParams::getApnClass,
+                               &ProfileParams::setApnClass, &ModemProfile::apnClass},
+                   SharedField{&ProfileParams::hasIsClatEnabled, &ProfileParams::getIsClatEnabled,
+                               &ProfileParams::setIsClatEnabled, &ModemProfile::isClatEnabled});
 };
 
 ModemProfile::ModemProfile(TechType tech, const ProfileParams& params) : techType(tech) {

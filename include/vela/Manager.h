@@ -113,7 +113,7 @@ class VELA_API Manager {
 
     /** Empty when there is none. */
     std::shared_ptr<RequestLine> connection() const;
-    bool isInitialized() const;
+    bool checkInitialized() const;
     /** Ends the connection; init() makes no new one. False where it has to stay. */
     bool close();
 

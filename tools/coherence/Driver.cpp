@@ -37,23 +37,23 @@ std::uint64_t tokenOf(const vela::IProfileKey& key) {
 
 /** A key of no profile, by which something is done while the library's worker is at work: that asks
  * each key that it is given for its dump. */
-class Visitor : public vela::IProfileKey {
+class ActingKey : public vela::IProfileKey {
   public:
-    explicit Visitor(std::function<void()> visit) : visit(std::move(visit)) {}
+    explicit ActingKey(std::function<void()> act) : act(std::move(act)) {}
 
     int getProfileId() const override { return 0; }
     vela::TechType getTechType() const override { return vela::TechType::TECH_3GPP; }
     void registerExpirationListener(std::function<void()> /*callback*/) override {}
     std::string dump() const override {
-        if (visit && std::this_thread::get_id() != owner) {
-            std::exchange(visit, nullptr)();
+        if (act && std::this_thread::get_id() != owner) {
+            std::exchange(act, nullptr)();
         }
-        return "visitor";
+        return "acting key";
     }
 
   private:
     const std::thread::id owner = std::this_thread::get_id();
-    mutable std::function<void()> visit;  // while the owner waits for the worker
+    mutable std::function<void()> act;  // while the owner waits for the worker
 };
 
 }  // namespace
@@ -212,7 +212,7 @@ void Driver::deliverAll() {
 void Driver::deliverAtOnce() {
     bool hasVisited = false;
     onSimulator([&](auto& modem) {
-        manager.getProfile(std::make_shared<Visitor>([&] {
+        manager.getProfile(std::make_shared<ActingKey>([&] {
             modem.deliverAll();
             hasVisited = true;
         }));

@@ -54,7 +54,7 @@ std::optional<KeyRing::Key> Model::create(const vela::AddProfileParams& params) 
         return std::nullopt;
     }
     cache[token] = entry;
-    exceptions.onLearnt(id);
+    excuses.onLearnt(id);
     pending.push_back({id, Event::Create});
     pending.push_back({id, Event::Modify});
     return KeyRing::Key{token, id};
@@ -158,7 +158,7 @@ void Model::endRefresh() {
 
 void Model::init(int instance) {
     modem.startOver(instance);
-    exceptions = {};
+    excuses = {};
     pending.clear();
     dropAll();
     isBlocked = false;
@@ -172,14 +172,14 @@ bool Model::removeFromModem(ProfileId id) {
     return reply.isSuccess;
 }
 
-/** What a request of the library's own means for the exceptions. */
+/** What a request of the library's own means for the excuses. */
 void Model::onOwnRequest(ProfileId id, const Events& events, const ModelModem::Reply& reply) {
     if (reply.isSuccess) {
-        exceptions.onOwnChange(id);
+        excuses.onOwnChange(id);
     } else if (reply.isAnnounced) {
         onUnknownChange(id, events);
     } else if (reply.hasEffect) {
-        exceptions.add(id, kUnheard);
+        excuses.add(id, kUnheard);
     }
 }
 
@@ -225,22 +225,22 @@ void Model::onForeignChange(int instance, ProfileId id, const Events& events) {
 /** The modem's `id` was changed, not by the library as far as it knows. */
 void Model::onUnknownChange(ProfileId id, const Events& events) {
     if (!modem.isSubscribed()) {
-        exceptions.add(id, kUnheard);
+        excuses.add(id, kUnheard);
         return;
     }
-    exceptions.expectForeign(id);
+    excuses.expectForeign(id);
     const auto isExpected = [&](Event event) {
         return std::find(pending.begin(), pending.end(), Change{id, event}) != pending.end();
     };
     if (std::any_of(events.begin(), events.end(), isExpected)) {
-        exceptions.add(id, kSwallowed);
+        excuses.add(id, kSwallowed);
     }
 }
 
 void Model::settle() {
     modem.checkConnection();
     if (modem.arrivals.empty()) {
-        exceptions.onSettled();
+        excuses.onSettled();
     }
 }
 
@@ -289,7 +289,7 @@ void Model::follow(const Change& change) {
     switch (change.event) {
         case Event::Create:
             cache[nextToken++] = read(change.id);
-            exceptions.onLearnt(change.id);
+            excuses.onLearnt(change.id);
             return;
         case Event::Delete:
             for (const auto token : tokensOf(change.id)) {
@@ -309,9 +309,9 @@ void Model::follow(const Change& change) {
 
 void Model::reload() {
     dropAll();  // what is expected stays so
-    exceptions.onReload();
+    excuses.onReload();
     if (!readAll(Technology::ThreeGpp) || !readAll(Technology::ThreeGpp2)) {
-        exceptions.addAll(Technology::ThreeGpp2, kListFailed);  // or not asked for
+        excuses.addAll(Technology::ThreeGpp2, kListFailed);  // or not asked for
     }
 }
 

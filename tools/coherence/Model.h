@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "Exceptions.h"
+#include "Excuses.h"
 #include "Image.h"
 #include "KeyRing.h"
 #include "ModelModem.h"
@@ -18,7 +18,7 @@
 
 namespace coherence {
 
-/** How often a cached profile was compared with the modem's table, and how often an exception was
+/** How often a cached profile was compared with the modem's table, and how often an excuse was
  * claimed instead. */
 struct Figures {
     std::uint64_t compared;
@@ -37,7 +37,7 @@ class Model {
     static constexpr unsigned kSlots = 10;
     static constexpr int kInstances = ModelModem::kInstances;
 
-    explicit Model(unsigned capacity) : modem(capacity, exceptions) {}
+    explicit Model(unsigned capacity) : modem(capacity, excuses) {}
 
     /** What is to be predicted next, and the listeners that ran meanwhile, in order. */
     void witness(const std::vector<velasim::JournalEntry>& entries,
@@ -87,7 +87,7 @@ class Model {
     void serviceDown() { modem.serviceDown(); }
     void serviceUp() { modem.serviceUp(); }
     void restart() { modem.powerCycle(); }
-    void releaseDelayed() { exceptions.onDelayedReleased(); }
+    void releaseDelayed() { excuses.onDelayedReleased(); }
     /** Nothing is under way any more. */
     void settle();
 
@@ -99,7 +99,7 @@ class Model {
     /** The library's dump but for its log, entries by token. */
     std::vector<std::string> dump() const;
     const Table& table(int instance) const { return modem.tableOf(instance); }
-    /** Compares with the modem's table wherever no exception is claimed. */
+    /** Compares with the modem's table wherever no excuse is claimed. */
     void compareWithModem(Figures& figures) const;
     /** No indication waits in the library. */
     bool hasHandledAll() const { return modem.arrivals.empty(); }
@@ -137,7 +137,7 @@ class Model {
     void dropAll();
     void expire(const Cached& dying);
 
-    Exceptions exceptions;
+    Excuses excuses;
     ModelModem modem;
     KeyRing keys{kSlots};
 

@@ -38,7 +38,7 @@ Model::Cached Model::read(ProfileId id) {
         modem.request(RLINK_WDS_GET_PROFILE_SETTINGS_REQ_V01, id, modem.table().count(id) != 0,
                       [&] { settings = modem.table().at(id); });
     if (!reply.isSuccess) {
-        exceptions.add(id, kReadFailed);
+        excuses.add(id, kReadFailed);
         return std::nullopt;
     }
     const bool isGarbled = reply.faults.count(Fault::GarbageEnumerators) != 0;
@@ -52,7 +52,7 @@ Model::Cached Model::read(ProfileId id) {
         entry.image.unterminate();
     }
     if (isGarbled || isUnterminated) {
-        exceptions.add(id, kReadGarbled);
+        excuses.add(id, kReadGarbled);
     }
     return entry;
 }
@@ -69,7 +69,7 @@ bool Model::readAll(Technology technology) {
             }
         });
     if (!reply.isSuccess) {
-        exceptions.addAll(technology, kListFailed);
+        excuses.addAll(technology, kListFailed);
         return false;
     }
     if (reply.faults.count(Fault::ListOverrun) != 0) {
@@ -119,7 +119,7 @@ void Model::compareWithModem(Figures& figures) const {
         }
     }
     for (const auto& [id, ofId] : images) {
-        if (!modem.arrivals.empty() || exceptions.reasonFor(id) != nullptr) {
+        if (!modem.arrivals.empty() || excuses.reasonFor(id) != nullptr) {
             ++figures.excused;
             continue;
         }

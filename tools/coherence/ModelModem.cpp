@@ -102,7 +102,7 @@ const JournalEntry* ModelModem::next() {
 void ModelModem::observe(const JournalEntry& entry) {
     const ProfileId about{entry.technology.value_or(Technology::ThreeGpp), entry.index};
     if (entry.fault) {
-        exceptions.onIndicationFault(about, *entry.fault);
+        excuses.onIndicationFault(about, *entry.fault);
     }
     if (entry.kind == JournalKind::IndicationDelivered) {
         observeIndication(entry, about);
@@ -119,7 +119,7 @@ void ModelModem::observeIndication(const JournalEntry& entry, ProfileId about) {
     signal(Signal::Arrival);
     const auto& change = arrivals.back().change;
     if (change && change->id != about) {  // it names another profile than the one that changed
-        exceptions.onIndicationFault(change->id, Fault::CorruptIndication);
+        excuses.onIndicationFault(change->id, Fault::CorruptIndication);
     }
 }
 
@@ -224,7 +224,7 @@ void ModelModem::onServiceUp() {
             bound = messageId == RLINK_WDS_BIND_SUBSCRIPTION_REQ_V01 ? home : bound;
         });
     }
-    exceptions.onConnect(bound == home);
+    excuses.onConnect(bound == home);
 }
 
 void ModelModem::onClientLost() {
@@ -267,10 +267,10 @@ bool ModelModem::isSubscribed() const {
 void ModelModem::serviceDown() {
     isUp = isConnected = isOverlooked = false;
     subscriptions.clear();
-    exceptions.onDisconnect();
+    excuses.onDisconnect();
     for (const auto& arrival : arrivals) {  // they outlive the connection
         if (arrival.change) {
-            exceptions.expectForeign(arrival.change->id);
+            excuses.expectForeign(arrival.change->id);
         }
     }
 }
@@ -281,7 +281,7 @@ void ModelModem::powerCycle() {
         std::erase_if(table, [&](const auto& item) {
             const bool isVolatile = item.second.persistence_flag == 0;
             if (isVolatile && &table == &homeTable()) {
-                exceptions.add(item.first, kForgotten);
+                excuses.add(item.first, kForgotten);
             }
             return isVolatile;
         });

@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-#include "Exceptions.h"
+#include "Excuses.h"
 #include "Expect.h"
 #include "Image.h"
 
@@ -79,8 +79,7 @@ class ModelModem {
         std::set<velasim::Fault> faults;
     };
 
-    ModelModem(unsigned capacity, Exceptions& exceptions)
-        : capacity(capacity), exceptions(exceptions) {}
+    ModelModem(unsigned capacity, Excuses& excuses) : capacity(capacity), excuses(excuses) {}
 
     /** Stands for a request about no profile in particular. */
     static ProfileId anyOf(velasim::Technology technology) { return {technology, -1}; }
@@ -146,7 +145,7 @@ class ModelModem {
     velasim::JournalEntry take(velasim::JournalKind kind, std::uint32_t messageId = 0,
                                std::optional<ProfileId> id = {});
 
-    Exceptions& exceptions;
+    Excuses& excuses;
     std::deque<velasim::JournalEntry> trace;
 
     std::array<Table, kInstances> tables;

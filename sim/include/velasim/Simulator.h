@@ -21,7 +21,7 @@
 
 namespace velasim {
 
-class Platform;
+class SimulatedPlatform;
 
 /**
  * A modem on a laptop: one or more simulated modem instances behind the platform's messaging
@@ -149,7 +149,7 @@ class VELASIM_API Simulator {
     FaultPlan& faults();
 
   private:
-    const std::shared_ptr<Platform> platform;
+    const std::shared_ptr<SimulatedPlatform> platform;
 };
 
 }  // namespace velasim

@@ -1,6 +1,6 @@
 // Copyright 2026 The libvelar Authors
 // SPDX-License-Identifier: Apache-2.0
-#include "Platform.h"
+#include "SimulatedPlatform.h"
 
 #include <algorithm>
 #include <utility>
@@ -28,7 +28,7 @@ std::vector<StoredProfile> persistentOf(std::vector<StoredProfile> profiles) {
 
 }  // namespace
 
-Platform::Platform(const SimulatorOptions& options)
+SimulatedPlatform::SimulatedPlatform(const SimulatorOptions& options)
     : options(options),
       journal(options.journalLimit),
       faults(options.seed, options.faults),
@@ -37,71 +37,72 @@ Platform::Platform(const SimulatorOptions& options)
       service(modems),
       indications(journal, faults, service, runtime) {}
 
-int Platform::createNotifier(Handle handle) {
+int SimulatedPlatform::createNotifier(Handle handle) {
     if (const auto result = strike(Fault::NotifierInitFailure)) {
         return *result;
     }
     return runtime.createNotifier(handle);
 }
 
-bool Platform::offersService() {
+bool SimulatedPlatform::offersService() {
     return runtime.isServiceUp() && !strike(Fault::NoServiceInstance);
 }
 
-int Platform::connect(Handle handle, rlink_ind_cb callback, void* data) {
+int SimulatedPlatform::connect(Handle handle, rlink_ind_cb callback, void* data) {
     if (const auto result = strike(Fault::ClientInitFailure)) {
         return *result;
     }
     return runtime.connect(handle, callback, data);
 }
 
-int Platform::watchErrors(Handle handle, rlink_error_cb callback, void* data) {
+int SimulatedPlatform::watchErrors(Handle handle, rlink_error_cb callback, void* data) {
     if (const auto result = strike(Fault::ErrorCallbackFailure)) {
         return *result;
     }
     return runtime.watchErrors(handle, callback, data);
 }
 
-int Platform::release(Handle handle) {
+int SimulatedPlatform::release(Handle handle) {
     const auto number = runtime.release(handle);  // waits for callbacks: without our lock
     const std::lock_guard lock(mutex);
     service.forget(number);
     return number == 0 ? RLINK_ERROR_CLIENT : RLINK_NO_ERROR;
 }
 
-void Platform::serviceUp() {
+void SimulatedPlatform::serviceUp() {
     const std::lock_guard lock(mutex);
     serviceUpLocked();
 }
 
-void Platform::serviceDown() {
+void SimulatedPlatform::serviceDown() {
     const std::lock_guard lock(mutex);
     serviceDownLocked();
 }
 
-void Platform::restart() {
+void SimulatedPlatform::restart() {
     const std::lock_guard lock(mutex);
     restartLocked();
 }
 
-std::size_t Platform::subscribedClients(std::int32_t instance) {
+std::size_t SimulatedPlatform::subscribedClients(std::int32_t instance) {
     const std::lock_guard lock(mutex);
     return service.subscribers(instance);
 }
 
-bool Platform::waitSubscribed(std::int32_t instance, std::chrono::milliseconds atMost) {
+bool SimulatedPlatform::waitSubscribed(std::int32_t instance, std::chrono::milliseconds atMost) {
     std::unique_lock lock(mutex);
     return changed.wait_for(lock, atMost, [&] { return service.subscribers(instance) != 0; });
 }
 
-std::vector<StoredProfile> Platform::profiles(std::int32_t instance, Technology technology) {
+std::vector<StoredProfile> SimulatedPlatform::profiles(std::int32_t instance,
+                                                       Technology technology) {
     const std::lock_guard lock(mutex);
     const auto* found = modem(instance);
     return found == nullptr ? std::vector<StoredProfile>{} : found->profiles(technology);
 }
 
-std::optional<int> Platform::storeProfile(std::int32_t instance, Technology technology,
-                                          const Settings& settings, int index) {
+std::optional<int> SimulatedPlatform::storeProfile(std::int32_t instance, Technology technology,
+                                                   const Settings& settings, int index) {
     const std::lock_guard lock(mutex);
     auto* found = modem(instance);
     if (found == nullptr) {
@@ -117,7 +118,7 @@ std::optional<int> Platform::storeProfile(std::int32_t instance, Technology tech
     return creation.error == ModemError::None ? std::optional(index) : std::nullopt;
 }
 
-Snapshot Platform::snapshot() {
+Snapshot SimulatedPlatform::snapshot() {
     const std::lock_guard lock(mutex);
     Snapshot result;
     for (const auto& source : modems) {
@@ -129,7 +130,7 @@ Snapshot Platform::snapshot() {
     return result;
 }
 
-std::string Platform::restore(const Snapshot& source) {
+std::string SimulatedPlatform::restore(const Snapshot& source) {
     const std::lock_guard lock(mutex);
     if (source.modems.size() > modems.size()) {
         return "the snapshot has " + std::to_string(source.modems.size()) +
@@ -149,8 +150,8 @@ std::string Platform::restore(const Snapshot& source) {
     return {};
 }
 
-std::optional<int> Platform::foreignCreate(std::int32_t instance, Technology technology,
-                                           const Settings& settings) {
+std::optional<int> SimulatedPlatform::foreignCreate(std::int32_t instance, Technology technology,
+                                                    const Settings& settings) {
     const std::lock_guard lock(mutex);
     auto* found = modem(instance);
     const auto creation = found == nullptr ? Modem::Creation{ModemError::UnknownInstance}
@@ -164,8 +165,8 @@ std::optional<int> Platform::foreignCreate(std::int32_t instance, Technology tec
     return creation.index;
 }
 
-bool Platform::foreignModify(std::int32_t instance, Technology technology, int index,
-                             const Settings& settings) {
+bool SimulatedPlatform::foreignModify(std::int32_t instance, Technology technology, int index,
+                                      const Settings& settings) {
     const std::lock_guard lock(mutex);
     auto* found = modem(instance);
     if (found == nullptr || found->modify(technology, index, settings) != ModemError::None) {
@@ -176,7 +177,7 @@ bool Platform::foreignModify(std::int32_t instance, Technology technology, int i
     return true;
 }
 
-bool Platform::foreignDelete(std::int32_t instance, Technology technology, int index) {
+bool SimulatedPlatform::foreignDelete(std::int32_t instance, Technology technology, int index) {
     const std::lock_guard lock(mutex);
     auto* found = modem(instance);
     if (found == nullptr || found->remove(technology, index) != ModemError::None) {
@@ -186,7 +187,7 @@ bool Platform::foreignDelete(std::int32_t instance, Technology technology, int i
     return true;
 }
 
-bool Platform::foreignEvent(const Change& change) {
+bool SimulatedPlatform::foreignEvent(const Change& change) {
     const std::lock_guard lock(mutex);
     if (modem(change.instance) == nullptr) {
         return false;
@@ -195,8 +196,8 @@ bool Platform::foreignEvent(const Change& change) {
     return true;
 }
 
-std::size_t Platform::inject(const std::vector<std::uint8_t>& bytes, std::uint32_t messageId,
-                             unsigned count) {
+std::size_t SimulatedPlatform::inject(const std::vector<std::uint8_t>& bytes,
+                                      std::uint32_t messageId, unsigned count) {
     const std::lock_guard lock(mutex);
     std::size_t queued = 0;
     for (const auto client : runtime.connectedClients()) {
@@ -214,7 +215,7 @@ std::size_t Platform::inject(const std::vector<std::uint8_t>& bytes, std::uint32
     return queued;
 }
 
-void Platform::close() {
+void SimulatedPlatform::close() {
     {
         const std::lock_guard lock(mutex);
         closed = true;
@@ -224,12 +225,12 @@ void Platform::close() {
     runtime.close();
 }
 
-Modem* Platform::modem(std::int32_t instance) {
+Modem* SimulatedPlatform::modem(std::int32_t instance) {
     const auto number = static_cast<std::size_t>(instance);
     return instance < 0 || number >= modems.size() ? nullptr : &modems[number];
 }
 
-std::optional<int> Platform::strike(Fault fault) {
+std::optional<int> SimulatedPlatform::strike(Fault fault) {
     const auto fired = faults.onConnect(fault);
     if (fired.empty()) {
         return std::nullopt;
@@ -242,7 +243,7 @@ std::optional<int> Platform::strike(Fault fault) {
     return value == 0 ? int{RLINK_ERROR_INTERNAL} : value;
 }
 
-void Platform::publish(const std::vector<Change>& changes, const std::string& text) {
+void SimulatedPlatform::publish(const std::vector<Change>& changes, const std::string& text) {
     JournalEntry entry;
     entry.kind = JournalKind::ForeignChange;
     entry.instance = changes.front().instance;
@@ -254,20 +255,20 @@ void Platform::publish(const std::vector<Change>& changes, const std::string& te
     indications.send(indications.prepare(changes, 0, kForeignChange));
 }
 
-void Platform::serviceUpLocked() {
+void SimulatedPlatform::serviceUpLocked() {
     if (!runtime.isServiceUp() && !closed) {
         runtime.serviceUp();
     }
 }
 
-void Platform::serviceDownLocked() {
+void SimulatedPlatform::serviceDownLocked() {
     if (runtime.isServiceUp()) {
         service.forgetAll();
         runtime.serviceDown();
     }
 }
 
-void Platform::restartLocked() {
+void SimulatedPlatform::restartLocked() {
     serviceDownLocked();
     std::for_each(modems.begin(), modems.end(), [](Modem& one) { one.powerCycle(); });
     JournalEntry entry;

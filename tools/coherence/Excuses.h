@@ -24,10 +24,10 @@ inline constexpr const char* kElsewhere = "the library works on another instance
 inline constexpr const char* kIndicationFault = "the indication was lost, late, wrong or double";
 
 /**
- * Keeps, for each profile, why the cache need not equal the modem's table at the moment. Exceptions
+ * Keeps, for each profile, why the cache need not equal the modem's table at the moment. Excuses
  * are claimed generously, never withheld: the cache itself is predicted exactly all the same.
  */
-class Exceptions {
+class Excuses {
   public:
     void add(ProfileId id, const char* reason) { reasons.emplace(id, reason); }
     /** The library knows no profile of the technology any more. */

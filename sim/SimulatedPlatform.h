@@ -25,11 +25,11 @@ namespace velasim {
  * Everything behind one Simulator: modems, service, transport, faults, journal. A call of a client
  * keeps it alive, so that it may end after its Simulator has. Any thread.
  */
-class Platform {
+class SimulatedPlatform {
   public:
     using Handle = RlinkRuntime::Handle;
 
-    explicit Platform(const SimulatorOptions& options);
+    explicit SimulatedPlatform(const SimulatorOptions& options);
 
     // What clients call. Connection faults strike here.
     int createNotifier(Handle handle);

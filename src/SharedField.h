@@ -14,7 +14,7 @@ namespace vela {
  * its fields once; reading, matching, comparing and giving back all walk that list.
  */
 template <typename Profile, typename Value>
-struct ProfileField {
+struct SharedField {
     bool (ProfileParams::*has)() const;
     Value (ProfileParams::*get)() const;
     void (ProfileParams::*set)(Value);
@@ -57,9 +57,9 @@ struct ProfileField {
 };
 
 template <typename Profile, typename Value>
-ProfileField(bool (ProfileParams::*)() const, Value (ProfileParams::*)() const,
-             void (ProfileParams::*)(Value), std::optional<Value> Profile::*)
-    -> ProfileField<Profile, Value>;
+SharedField(bool (ProfileParams::*)() const, Value (ProfileParams::*)() const,
+            void (ProfileParams::*)(Value), std::optional<Value> Profile::*)
+    -> SharedField<Profile, Value>;
 
 /** Calls `visit` with every field of a list. */
 template <typename Fields, typename Visit>
