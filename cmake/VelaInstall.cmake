@@ -1,6 +1,7 @@
 # What an installation holds: the library with its headers, the package files by which CMake and
 # pkg-config find it, and what the platform file has built for the library to be linked to: on a host
-# the simulator.
+# the simulator. Each part is a component, of which VelaPackages makes a package: the libraries, what
+# developers need of them, and the tool.
 
 include(CMakePackageConfigHelpers)
 
@@ -35,6 +36,7 @@ function(vela_go_along how)
     endforeach()
 endfunction()
 
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
 vela_go_along(PRIVATE platform::rlink platform::diag platform::log)
 get_property(vela_platform GLOBAL PROPERTY VELA_GO_ALONG)
 if(vela_platform)
@@ -42,13 +44,31 @@ if(vela_platform)
     list(REMOVE_DUPLICATES vela_platform)
     install(DIRECTORY platform/include/ DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/velar/platform")
 endif()
-install(TARGETS vela ${vela_platform} EXPORT velarTargets)
+install(TARGETS vela ${vela_platform} EXPORT velarTargets
+    LIBRARY COMPONENT libraries NAMELINK_COMPONENT development)
 install(DIRECTORY include/vela DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 if(TARGET velasim)
     install(DIRECTORY sim/include/velasim DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+    install(FILES README.md CHANGELOG.md DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/doc/libvelar-dev")
+    install(DIRECTORY docs examples DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}/doc/libvelar-dev")
 endif()
 if(TARGET velactl)
-    install(TARGETS velactl)
+    install(TARGETS velactl COMPONENT velactl)
+endif()
+
+# The tool writes its manual and what lets shells complete its lines, where it can be run.
+find_program(GZIP_PROGRAM gzip)
+if(TARGET velactl AND GZIP_PROGRAM AND (NOT CMAKE_CROSSCOMPILING OR CMAKE_CROSSCOMPILING_EMULATOR))
+    set(pages "${PROJECT_BINARY_DIR}/pages")
+    add_custom_command(OUTPUT "${pages}.stamp"
+        COMMAND ${CMAKE_COMMAND} "-DVELACTL=${CMAKE_CROSSCOMPILING_EMULATOR};$<TARGET_FILE:velactl>"
+            "-DGZIP=${GZIP_PROGRAM}" "-DOUTPUT=${pages}"
+            -P "${PROJECT_SOURCE_DIR}/cmake/VelactlPages.cmake"
+        COMMAND ${CMAKE_COMMAND} -E touch "${pages}.stamp"
+        DEPENDS velactl cmake/VelactlPages.cmake
+        VERBATIM)
+    add_custom_target(velactl_pages ALL DEPENDS "${pages}.stamp")
+    install(DIRECTORY "${pages}/" DESTINATION "${CMAKE_INSTALL_DATAROOTDIR}" COMPONENT velactl)
 endif()
 
 set(package_directory "${CMAKE_INSTALL_LIBDIR}/cmake/velar")
@@ -69,7 +89,9 @@ if(TARGET velasim)
     install(DIRECTORY sim/testing/include/velatesting DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
     list(APPEND pkgconfig_files velasim velar-testing)
 endif()
+set(pkgconfig_directory "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+file(RELATIVE_PATH vela_prefix "/${pkgconfig_directory}" "/")
 foreach(name IN LISTS pkgconfig_files)
     configure_file(cmake/${name}.pc.in "${PROJECT_BINARY_DIR}/${name}.pc" @ONLY)
-    install(FILES "${PROJECT_BINARY_DIR}/${name}.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+    install(FILES "${PROJECT_BINARY_DIR}/${name}.pc" DESTINATION "${pkgconfig_directory}")
 endforeach()

@@ -1,6 +1,7 @@
 # Installs the package into a folder of its own, and builds and tests its consumer there.
 #   cmake -DBUILD=... -DSOURCE=... -DCTEST=... -DOPTIONS=... -P use.cmake
-# With -DPROJECT=... -DPLATFORM=... the package is built first, for another platform.
+# With -DPROJECT=... -DPLATFORM=... the package is built first, for another platform; with -DPREFIX=...
+# it is installed there already.
 string(RANDOM LENGTH 12 name)
 set(folder "${BUILD}/package-test-${name}")
 file(MAKE_DIRECTORY "${folder}")
@@ -20,9 +21,14 @@ if(PLATFORM)
     run(${CMAKE_COMMAND} --build "${folder}/build")
     set(BUILD "${folder}/build")
 endif()
-run(${CMAKE_COMMAND} --install "${BUILD}" --prefix "${folder}/prefix")
+if(NOT PREFIX)
+    set(PREFIX "${folder}/prefix")
+    # Twice, because an installation may be renewed.
+    run(${CMAKE_COMMAND} --install "${BUILD}" --prefix "${PREFIX}")
+    run(${CMAKE_COMMAND} --install "${BUILD}" --prefix "${PREFIX}")
+endif()
 run(${CTEST} --build-and-test "${SOURCE}" "${folder}/consumer"
     --build-generator Ninja
-    --build-options "-DCMAKE_PREFIX_PATH=${folder}/prefix" ${OPTIONS}
+    --build-options "-DCMAKE_PREFIX_PATH=${PREFIX}" ${OPTIONS}
     --test-command ${CTEST} --output-on-failure --no-tests=error)
 file(REMOVE_RECURSE "${folder}")

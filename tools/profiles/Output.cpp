@@ -85,11 +85,16 @@ void Table::print(std::ostream& out, std::size_t indent, std::size_t width) cons
     }
 }
 
-std::vector<ProfileField> readColumns(std::string_view option, std::string_view text) {
+Names columnNames() {
     Names known;
     for (const ProfileField& column : allColumns()) {
         known.emplace_back(column.key);
     }
+    return known;
+}
+
+std::vector<ProfileField> readColumns(std::string_view option, std::string_view text) {
+    const Names known = columnNames();
     std::vector<ProfileField> columns;
     for (const std::string& name : split(text.empty() ? " " : text, ',')) {
         columns.push_back(allColumns()[readOneOf(option, replaced(name, '-', '_'), known)]);

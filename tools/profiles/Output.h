@@ -34,6 +34,9 @@ class Table {
     std::vector<Column> columns;
 };
 
+/** What --columns can name. */
+Names columnNames();
+
 /** The columns named in a comma list, as --columns takes it: fields by key or option, "technology",
  * "index". Throws ToolError that lists them. */
 std::vector<ProfileField> readColumns(std::string_view option, std::string_view text);

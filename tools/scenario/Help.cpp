@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "scenario/Help.h"
 #include "scenario/Operation.h"
 #include "scenario/Stage.h"
 
@@ -36,37 +37,7 @@ std::string entry(const Names& pieces, const std::string& meaning) {
     return text + '\n';
 }
 
-/** Each section with what `line` makes of its operations. */
-template <typename Line>
-std::string bySection(const Operations& list, const std::string& mark, const std::string& start,
-                      Line line) {
-    std::string text;
-    std::string section;
-    for (const Operation& operation : list) {
-        if (section != operation.section) {
-            section = operation.section;
-            text += (text.empty() ? "" : "\n") + mark + section + start;
-        }
-        text += line(operation);
-    }
-    return text;
-}
-
-/** The meaning of each option, under the heading of its group. */
-std::string helpOf(const std::vector<Option>& options) {
-    std::string text;
-    std::string heading;
-    for (const Option& option : options) {
-        const std::string group = option.groupName();
-        const std::string title = !group.empty()                      ? group
-                                  : (option.groups & kEveryVerb) != 0 ? "options of every verb"
-                                                                      : "options";
-        text += title == heading ? "" : '\n' + title + ":\n";
-        heading = title;
-        text += entry({option.usage()}, option.help);
-    }
-    return text;
-}
+constexpr HelpForm kText = {[](const std::string& title) { return '\n' + title + ":\n"; }, entry};
 
 std::string helpOfOne(const Operation& operation, unsigned place) {
     std::string text = place == kVerb ? "Usage: velactl [options] " : "";
@@ -83,7 +54,7 @@ std::string helpOfOne(const Operation& operation, unsigned place) {
         const Names values = valuesOf(name);
         text += values.empty() ? "" : '\n' + entry({name}, join(values, ", "));
     }
-    return text + helpOf(options);
+    return text + helpOf(options, kText);
 }
 
 /** Of all at that place, or of those that are named: on the command line also of statements. */
@@ -94,36 +65,36 @@ std::string helpOn(const Arguments& given) {
     if (named.empty()) {
         operationOf(given.place, given.words);  // says so
     }
-    const auto line = [place](const Operation& each) {
-        return entry(each.usage(place), each.help);
-    };
     const std::string text =
-        (named.size() == 1 ? helpOfOne(named.front(), place) : bySection(named, "", ":\n", line)) +
-        (isVerb ? helpOf(optionsOf(kEveryVerb)) : "");
+        (named.size() == 1 ? helpOfOne(named.front(), place) : helpOf(named, place, kText)) +
+        (isVerb ? helpOf(optionsOf(kEveryVerb), kText) : "");
     const std::string legend =
         "fields: --apn NAME and others, which add lists in its help.\n"
         "operator: --apns FILE --plmn MCCMNC [--mvno TYPE:DATA], whose entries take the\n"
         "place of fields.\n";
     return !given.words.empty() ? text
-           : !isVerb            ? text + '\n' + legend
-                     : "Reads and changes the data profiles of a cellular modem through libvelar.\n"
-                       "Usage: velactl [options] VERB ...\n\n" +
-                           text + "\nThe options may stand before or behind the verb.\n" + legend +
-                           "Exit status: 0 done, 1 refused or not found, 2 bad usage.\n";
+           : !isVerb
+               ? text + '\n' + legend
+               : std::string(kPurpose) + "\nUsage: velactl [options] VERB ...\n\n" + text + '\n' +
+                     kPlaceOfOptions + '\n' + legend + "Exit status: " + kExitStatus + '\n';
 }
 
 /** The list as a document has it: for each heading a table. */
-std::string tablesOf(const Operations& list, unsigned place) {
-    return bySection(list, "### ", "\n\n| | |\n|---|---|\n", [place](const Operation& operation) {
-        return "| `" + join(split(join(operation.usage(place), " "), '|'), "\\|") + "` | " +
-               operation.help + " |\n";
-    });
+std::string tablesOf(unsigned place) {
+    const HelpForm table = {
+        [](const std::string& title) { return "\n### " + title + "\n\n| | |\n|---|---|\n"; },
+        [](const Names& pieces, const std::string& meaning) {
+            return "| `" + join(split(join(pieces, " "), '|'), "\\|") + "` | " + meaning + " |\n";
+        }};
+    return helpOf(operationsAt(place), place, table);
 }
 
 void help(Stage& stage, const Arguments& arguments) {
-    const std::string text = arguments.has("--verbs") ? tablesOf(operationsAt(kVerb), kVerb)
-                             : arguments.has("--statements")
-                                 ? tablesOf(operationsAt(kScenario), kScenario)
+    const std::string text = arguments.has("--verbs")        ? tablesOf(kVerb)
+                             : arguments.has("--statements") ? tablesOf(kScenario)
+                             : arguments.has("--man")        ? manualOf(arguments.words)
+                             : arguments.has("--completion")
+                                 ? completionFor(arguments.text("--completion"))
                                  : helpOn(arguments);
     if (stage.story().isText()) {
         stage.story().text() << text;
@@ -175,6 +146,32 @@ Names nextWords(const Operation& operation, const ScenarioWord& last, const std:
 }
 
 }  // namespace
+
+std::string helpOf(const std::vector<Option>& options, const HelpForm& form) {
+    std::string text;
+    std::string heading;
+    for (const Option& option : options) {
+        const std::string group = option.groupName();
+        const std::string title = !group.empty()                      ? group
+                                  : (option.groups & kEveryVerb) != 0 ? "options of every verb"
+                                                                      : "options";
+        text += title == heading ? "" : form.heading(title);
+        heading = title;
+        text += form.entry({option.usage()}, option.help);
+    }
+    return text;
+}
+
+std::string helpOf(const Operations& list, unsigned place, const HelpForm& form) {
+    std::string text;
+    std::string section;
+    for (const Operation& operation : list) {
+        text += section == operation.section ? "" : form.heading(operation.section);
+        section = operation.section;
+        text += form.entry(operation.usage(place), operation.help);
+    }
+    return text.substr(text.starts_with('\n') ? 1 : 0);
+}
 
 Operations helpOperations() {
     const auto check = [](const Arguments& arguments) { helpOn(arguments); };

@@ -11,6 +11,7 @@
 #include "operators/OperatorFile.h"
 #include "profiles/Output.h"
 #include "profiles/Text.h"
+#include "scenario/Help.h"
 
 namespace velactl {
 
@@ -28,6 +29,11 @@ auto number(std::int64_t lowest, std::int64_t highest) {
             throw badUsage(name + ": " + error);
         }
     };
+}
+
+auto oneOf(const Names& words) {
+    return
+        [words](const std::string& name, const std::string& text) { readOneOf(name, text, words); };
 }
 
 void probability(const std::string& name, const std::string& text) {
@@ -102,6 +108,9 @@ std::vector<Option> collect() {
          number(0, std::numeric_limits<std::int64_t>::max())},
         {kTables, "--verbs", "", "all verbs, as a document's tables"},
         {kTables, "--statements", "", "all statements, likewise"},
+        {kTables, "--man", "", "the manual page of the tool or of a verb, for groff"},
+        {kTables, "--completion", "SHELL", "lets a shell complete lines: bash or zsh",
+         oneOf(shellNames()), shellNames()},
         {kPlaying, "--quiet", "", "tell only what the scenario itself says and shows"},
         {kPlaying, "--journal", "", "all that crossed to the modem, at the end"},
         {kPlaying, "--junit", "FILE", "write a report in JUnit's format", notEmpty},
@@ -116,7 +125,8 @@ std::vector<Option> collect() {
          "for how many seconds others may keep the modem's file (10)", number(0, kMaxWait)},
         {kEveryVerb, "--json", "", "one JSON document instead of text"},
         {kEveryVerb, "--columns", "LIST",
-         "of tables of profiles, as index,apn,types; all that fit when not given", readColumns},
+         "of tables of profiles, as index,apn,types; all that fit when not given", readColumns,
+         columnNames()},
         {kEveryVerb, "--show-secrets", "", "do not mask passwords"},
         {kEveryVerb, "--log", "", "the library's log lines on the error stream"},
         {kEveryVerb, "--help", "", "this help, or that of the verb; so does -h"},

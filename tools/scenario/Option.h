@@ -27,7 +27,7 @@ enum OptionGroup : unsigned {
     kRule = 1U << 9U,  // when a fault strikes
     kInstance = 1U << 10U,
     kSeed = 1U << 11U,       // of the faults that strike by chance
-    kTables = 1U << 12U,     // help as documents have it
+    kTables = 1U << 12U,     // help in other forms: of documents, manuals, shells
     kPlaying = 1U << 13U,    // how scenarios are played
     kEveryVerb = 1U << 14U,  // of the command line
     kFreeText = 1U << 15U    // none: whatever it is given are words
