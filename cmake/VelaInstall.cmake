@@ -58,7 +58,8 @@ endif()
 
 # The tool writes its manual and what lets shells complete its lines, where it can be run.
 find_program(GZIP_PROGRAM gzip)
-if(TARGET velactl AND GZIP_PROGRAM AND (NOT CMAKE_CROSSCOMPILING OR CMAKE_CROSSCOMPILING_EMULATOR))
+if(TARGET velactl AND GZIP_PROGRAM AND NOT VELA_SANITIZE AND NOT VELA_FUZZ
+        AND (NOT CMAKE_CROSSCOMPILING OR CMAKE_CROSSCOMPILING_EMULATOR))
     set(pages "${PROJECT_BINARY_DIR}/pages")
     add_custom_command(OUTPUT "${pages}.stamp"
         COMMAND ${CMAKE_COMMAND} "-DVELACTL=${CMAKE_CROSSCOMPILING_EMULATOR};$<TARGET_FILE:velactl>"

@@ -7,7 +7,7 @@
 #   install-packages.sh BUILD-FOLDER FOLDER       packages go to FOLDER, the root is FOLDER/root
 set -euo pipefail
 
-build=$1 folder=$2 root=$2/root
+build=$1 folder=$(realpath -m "$2") root=$folder/root
 die() {
     printf 'install-packages: %s\n' "$*" >&2
     exit 1
