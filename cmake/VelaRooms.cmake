@@ -26,6 +26,9 @@ function(vela_room name)
     # The heavy headers, read once in each room.
     target_precompile_headers(velactl_${name} PRIVATE
         <nlohmann/json.hpp> <functional> <string>)
+    # So that a compiler cache may keep them: clang would refuse one whose system headers have only
+    # become younger.
     target_compile_options(velactl_${name} PRIVATE
-        $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
+        $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>
+        "$<$<CXX_COMPILER_ID:Clang>:SHELL:-Xclang -fno-pch-timestamp>")
 endfunction()

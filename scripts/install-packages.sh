@@ -4,10 +4,10 @@
 #
 # Makes the Debian packages of a build and installs them into a root folder of their own, with nothing
 # of the system in it; then looks whether they hold what they should, and where.
-#   install-packages.sh BUILD-FOLDER FOLDER       packages go to FOLDER, the root is FOLDER/root
+#   install-packages.sh BUILD-FOLDER FOLDER       packages go to FOLDER, the root is FOLDER/installed
 set -euo pipefail
 
-build=$1 folder=$(realpath -m "$2") root=$folder/root
+build=$1 folder=$(realpath -m "$2") root=$folder/installed
 die() {
     printf 'install-packages: %s\n' "$*" >&2
     exit 1
